@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QString>
+
+/// A message in the two languages of the window, UTF-8.
+struct Text
+{
+    const char *english;
+    const char *chinese;
+
+    QString in(bool isEnglish) const { return QString::fromUtf8(isEnglish ? english : chinese); }
+};
+
+/// Every message that the tool shows in a box. Odd spellings and full-width signs are wanted: users
+/// and test benches know the messages by them.
+namespace texts {
+
+/// Title of every box, for good news too.
+inline constexpr char boxTitle[] = "Warnning";
+
+inline constexpr Text serialOpeningFailed{"Serial opening failed !", "串口打开失败！"};
+inline constexpr Text communicationFailure{"Communication failure !", "通信失败！"};
+inline constexpr Text dataNotMeetRequirements{"The data do not meet the requirements !",
+                                              "数据不符合要求！"};
+
+// Why a port could not be opened, shown below serialOpeningFailed.
+inline constexpr Text noSuchPort{
+    "There is no such port. Plug the adapter in, or choose another port in the serial settings.",
+    "没有这个串口。请插好适配器，或在串口设置中选择其他串口。"};
+inline constexpr Text portInUse{"Another program is using the port. Close that program first.",
+                                "串口正被其他程序占用。请先关闭该程序。"};
+#ifdef Q_OS_LINUX
+inline constexpr Text noPermission{
+    "You have no permission to use the port. Add your user to the group dialout, then log in "
+    "again.",
+    "没有使用该串口的权限。请把当前用户加入 dialout 组，然后重新登录。"};
+#else
+inline constexpr Text noPermission{"You have no permission to use the port.",
+                                   "没有使用该串口的权限。"};
+#endif
+inline constexpr Text notASerialPort{"The port does not accept serial settings.",
+                                     "该端口不接受串口参数。"};
+
+} // namespace texts

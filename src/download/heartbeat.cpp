@@ -1,0 +1,40 @@
+#include "download/heartbeat.h"
+
+#include "download/download_session.h"
+#include "download/step_dispatch.h"
+
+Heartbeat::Heartbeat(DownloadSession &session, StepDispatch &dispatch,
+                     std::function<void()> readLinks, QObject *parent)
+    : QObject(parent), m_session(session), m_dispatch(dispatch), m_readLinks(std::move(readLinks))
+{
+    m_timer.setInterval(intervalMilliseconds);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    // Queued, because Qt delivers no event of a timer whose own slot still runs: ticks must go on in
+    // the event loop of a box that a step shows.
+    connect(&m_timer, &QTimer::timeout, this, &Heartbeat::onTimeout, Qt::QueuedConnection);
+}
+
+void Heartbeat::start()
+{
+    m_time.start();
+    m_timer.start();
+}
+
+void Heartbeat::onTimeout()
+{
+    if (m_session.commandType == commandType::idle) {
+        m_dispatch.tick();
+        return;
+    }
+    m_readLinks();
+    const qint64 now = m_time.nsecsElapsed();
+    if (m_session.starts != m_startsSeen) {
+        m_startsSeen = m_session.starts;
+        m_clock.restart(now - TickClock::tickNanoseconds);
+    }
+    m_clock.limit(now);
+    // An exchange that a tick starts waits for its own first timeout.
+    while (m_session.starts == m_startsSeen && m_session.commandType != commandType::idle &&
+           m_clock.take(now))
+        m_dispatch.tick();
+}

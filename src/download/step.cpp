@@ -1,0 +1,42 @@
+#include "download/step.h"
+
+namespace {
+
+const Text &cause(OpenFailure failure)
+{
+    switch (failure) {
+    case OpenFailure::NoSuchPort:
+        return texts::noSuchPort;
+    case OpenFailure::InUse:
+        return texts::portInUse;
+    case OpenFailure::NoPermission:
+        return texts::noPermission;
+    case OpenFailure::NotASerialPort:
+        break;
+    }
+    return texts::notASerialPort;
+}
+
+} // namespace
+
+bool Step::ensureOpen()
+{
+    if (m_link.open() || m_link.isOpen())
+        return true;
+    m_session.commandType = commandType::idle;
+    m_notices.warn(texts::serialOpeningFailed, &cause(m_link.openFailure()));
+    return false;
+}
+
+void Step::finish()
+{
+    m_session.commandType = commandType::idle;
+    rewind();
+    m_link.close();
+}
+
+void Step::fail()
+{
+    finish();
+    m_notices.warn(texts::communicationFailure);
+}

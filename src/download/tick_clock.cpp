@@ -1,0 +1,14 @@
+#include "download/tick_clock.h"
+
+void TickClock::limit(qint64 now)
+{
+    m_last = qMax(m_last, now - maxTicksAtOnce * tickNanoseconds);
+}
+
+bool TickClock::take(qint64 now)
+{
+    if (now - m_last < tickNanoseconds)
+        return false;
+    m_last += tickNanoseconds;
+    return true;
+}

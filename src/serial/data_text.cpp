@@ -1,0 +1,41 @@
+#include "serial/data_text.h"
+
+#include "common/big_endian.h"
+
+namespace dataText {
+
+std::optional<QByteArray> fromHex(const QString &text)
+{
+    QByteArray digits;
+    for (const QChar c : text) {
+        const char digit = c.toLatin1();
+        if (digit == ' ')
+            continue;
+        const bool isDigit = (digit >= '0' && digit <= '9') || (digit >= 'A' && digit <= 'F') ||
+                             (digit >= 'a' && digit <= 'f');
+        if (!isDigit)
+            return std::nullopt;
+        digits.append(digit);
+    }
+    if (digits.size() % 2 != 0)
+        digits.prepend('0');
+    return QByteArray::fromHex(digits);
+}
+
+std::optional<QByteArray> toBytes(const QString &text, bool isHex)
+{
+    return isHex ? fromHex(text) : text.toLocal8Bit();
+}
+
+std::optional<QVector<quint16>> toWords(const QString &text, bool isHex)
+{
+    const auto bytes = toBytes(text, isHex);
+    if (!bytes || bytes->size() % 2 != 0)
+        return std::nullopt;
+    QVector<quint16> words;
+    for (int i = 0; i < bytes->size(); i += 2)
+        words.append(bigEndian::wordAt(*bytes, i));
+    return words;
+}
+
+} // namespace dataText

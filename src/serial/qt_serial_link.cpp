@@ -1,0 +1,82 @@
+#include "serial/qt_serial_link.h"
+
+#include <QFileInfo>
+
+QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
+{
+    m_port.setDataBits(QSerialPort::Data8);
+    m_port.setParity(QSerialPort::NoParity);
+    m_port.setStopBits(QSerialPort::OneStop);
+    m_port.setFlowControl(QSerialPort::NoFlowControl);
+    connect(&m_port, &QSerialPort::readyRead, this, &SerialLink::readyRead);
+    connect(&m_port, &QSerialPort::errorOccurred, this, &QtSerialLink::onError);
+}
+
+void QtSerialLink::setBaudRate(int rate)
+{
+    m_port.setBaudRate(rate);
+}
+
+bool QtSerialLink::open()
+{
+    if (m_port.isOpen())
+        return false;
+    m_port.setPortName(m_name);
+    if (!m_port.open(QIODevice::ReadWrite)) {
+        m_openFailure = causeOf(m_port.error());
+        return false;
+    }
+    // What arrived while the link was closed answers nothing that is asked from now on.
+    m_port.clear(QSerialPort::Input);
+    return true;
+}
+
+void QtSerialLink::close()
+{
+    if (!m_port.isOpen())
+        return;
+    // Closing drops what Qt has not yet handed to the driver.
+    m_port.flush();
+    m_port.close();
+}
+
+void QtSerialLink::write(const QByteArray &bytes)
+{
+    if (m_port.isOpen())
+        m_port.write(bytes);
+}
+
+void QtSerialLink::poll()
+{
+    if (m_port.isOpen())
+        m_port.waitForReadyRead(0);
+}
+
+void QtSerialLink::onError(QSerialPort::SerialPortError error)
+{
+    const bool deviceGone = error == QSerialPort::ResourceError ||
+                            error == QSerialPort::ReadError || error == QSerialPort::WriteError;
+    if (!deviceGone || !m_port.isOpen())
+        return;
+    // Until it is closed, a port without its device reports errors without end.
+    m_port.close();
+    // Later, because whoever hears it may show a box while the port's own code is still running.
+    QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
+}
+
+OpenFailure QtSerialLink::causeOf(QSerialPort::SerialPortError error) const
+{
+    switch (error) {
+    case QSerialPort::DeviceNotFoundError:
+        return OpenFailure::NoSuchPort;
+    case QSerialPort::PermissionError: {
+        // Qt reports a port that is locked by another program as forbidden, too.
+        const QFileInfo device(m_name.startsWith('/') ? m_name : "/dev/" + m_name);
+        const bool forbidden =
+            device.exists() && !(device.isReadable() && device.isWritable());
+        return forbidden ? OpenFailure::NoPermission : OpenFailure::InUse;
+    }
+    default:
+        return OpenFailure::NotASerialPort;
+    }
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "serial/serial_link.h"
+
+#include <QSerialPort>
+
+/// A SerialLink over a port of this computer.
+class QtSerialLink final : public SerialLink
+{
+    Q_OBJECT
+
+public:
+    explicit QtSerialLink(QObject *parent = nullptr);
+
+    void setPortName(const QString &name) override { m_name = name; }
+    void setBaudRate(int rate) override;
+    bool open() override;
+    bool isOpen() const override { return m_port.isOpen(); }
+    OpenFailure openFailure() const override { return m_openFailure; }
+    void close() override;
+    void write(const QByteArray &bytes) override;
+    QByteArray readAll() override { return m_port.readAll(); }
+    void poll() override;
+
+private:
+    void onError(QSerialPort::SerialPortError error);
+    OpenFailure causeOf(QSerialPort::SerialPortError error) const;
+
+    QSerialPort m_port;
+    QString m_name;
+    OpenFailure m_openFailure = OpenFailure::NoSuchPort;
+};

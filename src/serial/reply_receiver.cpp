@@ -1,0 +1,121 @@
+#include "serial/reply_receiver.h"
+
+#include "common/big_endian.h"
+#include "serial/frame_builder.h"
+
+using bigEndian::byteAt;
+using bigEndian::wordAt;
+
+namespace {
+
+constexpr int lengthOffset = 2;
+constexpr int commandOffset = 3;
+constexpr int bodyOffset = 4;
+constexpr int envelopeBytes = 3; // header pair and length byte: what the length does not count
+
+} // namespace
+
+ReplyReceiver::ReplyReceiver(const ReceiveRules &rules, FrameBuilder &mirrors, bool &replyReceived,
+                             QObject *parent)
+    : QObject(parent)
+    , m_rules(rules)
+    , m_mirrors(mirrors)
+    , m_replyReceived(replyReceived)
+{
+}
+
+void ReplyReceiver::setHeader(quint8 header1, quint8 header2)
+{
+    m_header1 = header1;
+    m_header2 = header2;
+}
+
+void ReplyReceiver::receive(const QByteArray &bytes)
+{
+    m_buffer.append(bytes);
+    if (m_buffer.size() < m_rules.minimumBytes)
+        return;
+    const int unfinished = scan();
+    // With an unfinished frame the whole buffer is kept, so the frames before it are dispatched
+    // again when the rest arrives. That is wanted.
+    if (unfinished < 0)
+        m_buffer.clear();
+    else if (m_buffer.size() > maxKeptBytes)
+        m_buffer.remove(0, unfinished);
+}
+
+int ReplyReceiver::scan()
+{
+    int i = 0;
+    while (i < m_buffer.size()) {
+        if (isHeaderAt(i)) {
+            const bool hasLength = i + lengthOffset < m_buffer.size();
+            const int length = byteAt(m_buffer, i + lengthOffset);
+            const bool isComplete = hasLength ? m_buffer.size() - i - envelopeBytes >= length
+                                              : !m_rules.waitsForLengthByte;
+            if (!isComplete)
+                return i;
+            dispatch(i);
+            i += envelopeBytes + length;
+            continue;
+        }
+        if (isAcknowledgementAt(i))
+            m_replyReceived = true;
+        ++i;
+    }
+    return -1;
+}
+
+bool ReplyReceiver::isHeaderAt(int index) const
+{
+    return index + 1 < m_buffer.size() && byteAt(m_buffer, index) == m_header1 &&
+           byteAt(m_buffer, index + 1) == m_header2;
+}
+
+bool ReplyReceiver::isAcknowledgementAt(int index) const
+{
+    return byteAt(m_buffer, index) == 'O' && byteAt(m_buffer, index + 1) == 'K';
+}
+
+void ReplyReceiver::dispatch(int start)
+{
+    if (start + commandOffset >= m_buffer.size())
+        return;
+    const int body = start + bodyOffset;
+    switch (byteAt(m_buffer, start + commandOffset)) {
+    case command::writeRegister:
+    case command::writeVp:
+    case command::system:
+        if (isAcknowledgementAt(body))
+            m_replyReceived = true;
+        break;
+    case command::readRegister:
+        storeRegisters(body);
+        emit registersRead();
+        break;
+    case command::readVp:
+        storeVp(body);
+        emit vpRead(wordAt(m_buffer, body));
+        break;
+    default:
+        break;
+    }
+}
+
+void ReplyReceiver::storeRegisters(int body)
+{
+    const int page = byteAt(m_buffer, body);
+    const int address = byteAt(m_buffer, body + 1);
+    const int count = byteAt(m_buffer, body + 2);
+    for (int i = 0; i < count; ++i)
+        m_mirrors.setRegister(page, (address + i) % FrameBuilder::registersPerPage,
+                              byteAt(m_buffer, body + 3 + i));
+}
+
+void ReplyReceiver::storeVp(int body)
+{
+    const int address = wordAt(m_buffer, body);
+    const int count = byteAt(m_buffer, body + 2);
+    for (int i = 0; i < count; ++i)
+        m_mirrors.setVp(static_cast<quint16>(address + i), wordAt(m_buffer, body + 3 + 2 * i));
+}
