@@ -24,8 +24,8 @@ struct DownloadSession
     quint8 writeCount = 0;      ///< words or register bytes of a write exchange
     quint32 starts = 0;         ///< exchanges started so far, so that the clock sees each of them
 
-    /// Starts the exchange `type`, in place of the running one if there is one. What it needs must be
-    /// prepared before.
+    /// Starts the exchange `type`, in place of the running one if there is one. What it needs must
+    /// be prepared before.
     void start(int type)
     {
         commandType = type;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "download/download_session.h"
 #include "common/notices.h"
+#include "download/download_session.h"
 #include "serial/frame_builder.h"
 #include "serial/serial_link.h"
 

@@ -9,8 +9,8 @@
 /// Text that the user types as data for the module.
 namespace dataText {
 
-/// The bytes of hexadecimal `text`: blanks are skipped, an odd number of digits gets a leading zero.
-/// Nothing when it holds any other character.
+/// The bytes of hexadecimal `text`: blanks are skipped, an odd number of digits gets a leading
+/// zero. Nothing when it holds any other character.
 std::optional<QByteArray> fromHex(const QString &text);
 
 /// The bytes of `text`: hexadecimal digits when `isHex`, else its characters in the local 8-bit

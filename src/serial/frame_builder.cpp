@@ -24,8 +24,8 @@ void FrameBuilder::setRegister(int page, int address, quint8 value)
 {
     const auto row = static_cast<quint8>(page);
     if (row < registerPages)
-        m_registerTable[static_cast<size_t>(row * registersPerPage + static_cast<quint8>(address))] =
-            value;
+        m_registerTable[static_cast<size_t>(row * registersPerPage +
+                                            static_cast<quint8>(address))] = value;
 }
 
 quint8 FrameBuilder::registerAt(int page, int address) const

@@ -16,8 +16,8 @@ inline constexpr quint8 system = 0x8F;
 } // namespace command
 
 /// Builds every frame that goes to the module:
-/// [header1][header2][length][command][body][CRC low][CRC high], the length counting the bytes after
-/// itself, the CRC (over command and body) only when it is switched on.
+/// [header1][header2][length][command][body][CRC low][CRC high], the length counting the bytes
+/// after itself, the CRC (over command and body) only when it is switched on.
 ///
 /// Holds mirrors of the module's registers and VP words. Write frames take their data from the
 /// mirrors, so the caller fills these first; replies are stored into them.

@@ -2,6 +2,10 @@
 
 #include <QFileInfo>
 
+#ifdef Q_OS_UNIX
+#include <poll.h>
+#endif
+
 QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
 {
     m_port.setDataBits(QSerialPort::Data8);
@@ -54,14 +58,27 @@ void QtSerialLink::poll()
 
 void QtSerialLink::onError(QSerialPort::SerialPortError error)
 {
-    const bool deviceGone = error == QSerialPort::ResourceError ||
-                            error == QSerialPort::ReadError || error == QSerialPort::WriteError;
-    if (!deviceGone || !m_port.isOpen())
+    const bool isTransferError =
+        error == QSerialPort::ReadError || error == QSerialPort::WriteError;
+    const bool isLost =
+        error == QSerialPort::ResourceError || (isTransferError && deviceIsGone());
+    if (!isLost || !m_port.isOpen())
         return;
     // Until it is closed, a port without its device reports errors without end.
     m_port.close();
     // Later, because whoever hears it may show a box while the port's own code is still running.
     QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
+}
+
+bool QtSerialLink::deviceIsGone() const
+{
+#ifdef Q_OS_UNIX
+    // A read that finds nothing, because poll() came first, is reported as an error, too.
+    pollfd device{m_port.handle(), POLLIN, 0};
+    return ::poll(&device, 1, 0) != 0 && (device.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+#else
+    return true;
+#endif
 }
 
 OpenFailure QtSerialLink::causeOf(QSerialPort::SerialPortError error) const
@@ -72,8 +89,7 @@ OpenFailure QtSerialLink::causeOf(QSerialPort::SerialPortError error) const
     case QSerialPort::PermissionError: {
         // Qt reports a port that is locked by another program as forbidden, too.
         const QFileInfo device(m_name.startsWith('/') ? m_name : "/dev/" + m_name);
-        const bool forbidden =
-            device.exists() && !(device.isReadable() && device.isWritable());
+        const bool forbidden = device.exists() && !(device.isReadable() && device.isWritable());
         return forbidden ? OpenFailure::NoPermission : OpenFailure::InUse;
     }
     default:

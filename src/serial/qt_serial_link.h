@@ -24,6 +24,7 @@ public:
 
 private:
     void onError(QSerialPort::SerialPortError error);
+    bool deviceIsGone() const;
     OpenFailure causeOf(QSerialPort::SerialPortError error) const;
 
     QSerialPort m_port;

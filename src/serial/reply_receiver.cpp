@@ -17,10 +17,7 @@ constexpr int envelopeBytes = 3; // header pair and length byte: what the length
 
 ReplyReceiver::ReplyReceiver(const ReceiveRules &rules, FrameBuilder &mirrors, bool &replyReceived,
                              QObject *parent)
-    : QObject(parent)
-    , m_rules(rules)
-    , m_mirrors(mirrors)
-    , m_replyReceived(replyReceived)
+    : QObject(parent), m_rules(rules), m_mirrors(mirrors), m_replyReceived(replyReceived)
 {
 }
 

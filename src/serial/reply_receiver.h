@@ -21,8 +21,8 @@ inline constexpr ReceiveRules ed2ReceiveRules{0, false};
 /// Finds the module's replies in what one link delivers, whatever way the bytes are cut.
 ///
 /// Read replies go into the mirrors and are announced by a signal; acknowledgements set the reply
-/// flag. CRC bytes are never checked: they only count in the length. Bytes that a reply promises and
-/// does not bring read as 0.
+/// flag. CRC bytes are never checked: they only count in the length. Bytes that a reply promises
+/// and does not bring read as 0.
 class ReplyReceiver : public QObject
 {
     Q_OBJECT

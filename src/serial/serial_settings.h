@@ -7,10 +7,10 @@ class SerialLink;
 /// The confirmed settings of one port.
 struct SerialSettings
 {
-    QString portName;     ///< as the system lists it, such as COM3
-    int baudRate = 0;     ///< as chosen; the link itself runs at linkRate(baudRate)
-    quint8 header1 = 0;   ///< first byte of every frame
-    quint8 header2 = 0;   ///< second byte of every frame
+    QString portName;   ///< as the system lists it, such as COM3
+    int baudRate = 0;   ///< as chosen; the link itself runs at linkRate(baudRate)
+    quint8 header1 = 0; ///< first byte of every frame
+    quint8 header2 = 0; ///< second byte of every frame
     bool crcEnabled = false;
 };
 

@@ -6,9 +6,9 @@
 #include <QObject>
 #include <QStringList>
 
-/// The record of the UART2 link's traffic: one line of lower-case hexadecimal digits for every frame
-/// sent and every read, in order. Views get the lines in batches, so that a steady stream does not
-/// paint them for every read.
+/// The record of the UART2 link's traffic: one line of lower-case hexadecimal digits for every
+/// frame sent and every read, in order. Views get the lines in batches, so that a steady stream
+/// does not paint them for every read.
 class TrafficLog : public QObject
 {
     Q_OBJECT

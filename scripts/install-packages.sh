@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and running the tool need, where any is missing.
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build clang-format
+  qtbase5-dev libqt5serialport5-dev
+  fonts-dejavu-core fonts-wqy-zenhei
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+root=()
+[ "$(id -u)" -eq 0 ] || root=(sudo)
+"${root[@]}" apt-get update -qq
+"${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,63 @@
+#include "simulator/module_dump.h"
+
+#include "common/big_endian.h"
+#include "simulator/module.h"
+
+#include <QFile>
+
+namespace k7 {
+
+namespace {
+
+bool writeFile(const QDir &folder, const QString &name, const QByteArray &bytes)
+{
+    QFile file(folder.filePath(name));
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+}
+
+QByteArray registerBytes(const Module &module)
+{
+    QByteArray bytes;
+    for (int page = 0; page < FrameBuilder::registerPages; ++page)
+        for (int address = 0; address < FrameBuilder::registersPerPage; ++address)
+            bigEndian::appendByte(bytes, module.registerAt(page, address));
+    return bytes;
+}
+
+QByteArray vpBytes(const Module &module)
+{
+    QByteArray bytes;
+    for (int address = 0; address < FrameBuilder::vpWords; ++address)
+        bigEndian::appendWord(bytes, module.vp(static_cast<quint16>(address)));
+    return bytes;
+}
+
+QByteArray curveLines(const QVector<quint16> &samples)
+{
+    QByteArray lines;
+    for (const quint16 sample : samples)
+        lines += QByteArray::number(sample) + '\n';
+    return lines;
+}
+
+} // namespace
+
+bool dump(const Module &module, const QDir &folder)
+{
+    bool written = folder.mkpath(".") &&
+                   writeFile(folder, "registers.bin", registerBytes(module)) &&
+                   writeFile(folder, "vp.bin", vpBytes(module));
+    for (const int block : module.flash().writtenBlocks())
+        written =
+            written && writeFile(folder, QString::asprintf("flash_%03d.bin", block),
+                                 module.flash().read(block * Flash::blockBytes, Flash::blockBytes));
+    for (int channel = 0; channel < FrameBuilder::channels; ++channel) {
+        const QVector<quint16> samples = module.curve(channel);
+        if (!samples.isEmpty())
+            written = written && writeFile(folder, QString::asprintf("curve_%d.txt", channel),
+                                           curveLines(samples));
+    }
+    return written;
+}
+
+} // namespace k7

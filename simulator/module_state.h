@@ -1,0 +1,37 @@
+#pragma once
+
+#include "serial/frame_builder.h"
+#include "simulator/flash.h"
+
+#include <QVector>
+
+#include <array>
+
+namespace k7 {
+
+/// What the module plays: `count` pieces of music from number `position` on, all values 0 to 255.
+/// Nothing is played while `count` is 0.
+struct Music
+{
+    int position = 0;
+    int count = 0;
+    int volume = 0;
+};
+
+/// Everything a display module remembers. A new one has the device's ID, version, name, voltage and
+/// settings in its VP words.
+struct ModuleState
+{
+    ModuleState();
+
+    std::array<quint8, FrameBuilder::registerPages * FrameBuilder::registersPerPage> registers{};
+    QVector<quint16> vp; // always the full 0x10000 words
+    Flash flash;
+    std::array<QVector<quint16>, FrameBuilder::channels> curves;
+    Music music;
+    quint8 systemArgument = 0; // of the last system command
+    int resets = 0;
+    int restarts = 0;
+};
+
+} // namespace k7

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "app/message_box_notices.h"
+#include "download/download_session.h"
+#include "download/heartbeat.h"
+#include "download/step_dispatch.h"
+#include "serial/frame_builder.h"
+#include "serial/qt_serial_link.h"
+#include "serial/reply_receiver.h"
+#include "serial/traffic_log.h"
+
+#include <QDialog>
+#include <QStringList>
+
+class QTabWidget;
+class SerialAssistantPage;
+class SerialSet;
+
+/// The window of the tool. It builds and owns everything: the pages, the two links with their
+/// settings dialogs, the frames, the session and its heartbeat.
+class Dialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit Dialog(QWidget *parent = nullptr);
+
+    /// The folder of the module's configuration files.
+    void setDefaultFolder(const QString &folder) { m_defaultFolder = folder; }
+    /// The screen resolution that the picture pages begin with, such as "480X272".
+    void setResolutionText(const QString &text) { m_resolutionText = text; }
+
+    /// Offers `ports` in both settings dialogs after the ports that the system lists, and uses the
+    /// last of them, as if the system had listed it last.
+    void offerPorts(const QStringList &ports);
+    /// Uses two of the offered ports.
+    void usePorts(const QString &uartPort, const QString &ed2Port);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void buildPages();
+    void connectLinks();
+    void buildSteps();
+    void applyUartSettings();
+    void applyEd2Settings();
+
+    bool m_isEnglish = true;
+    QString m_defaultFolder;
+    QString m_resolutionText;
+
+    DownloadSession m_session;
+    FrameBuilder m_builder;
+    QtSerialLink m_uartPort;
+    QtSerialLink m_ed2Port;
+    ReplyReceiver m_uartReplies;
+    ReplyReceiver m_ed2Replies;
+    TrafficLog m_trafficLog;
+    MessageBoxNotices m_notices;
+    SerialSet *m_uartSet;
+    SerialSet *m_ed2Set;
+    SerialAssistantPage *m_assistant = nullptr;
+    StepDispatch m_dispatch;
+    Heartbeat m_heartbeat;
+};

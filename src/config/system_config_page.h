@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class SystemConfigPage;
+}
+
+/// The system configuration: edits the configuration files of the module.
+class SystemConfigPage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit SystemConfigPage(QWidget *parent = nullptr);
+    ~SystemConfigPage() override;
+
+private:
+    std::unique_ptr<Ui::SystemConfigPage> m_ui;
+};

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "common/paced_trigger.h"
+#include "serial/device_values.h"
+#include "serial/page_context.h"
+
+#include <QSet>
+#include <QWidget>
+
+#include <array>
+#include <initializer_list>
+#include <memory>
+
+class QButtonGroup;
+class SerialAssistantPage;
+
+namespace Ui {
+class DevicePage;
+}
+
+/// The device commands over UART2: short exchanges that read or write a few VP words.
+class DevicePage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Reads go through `assistant`, whose range shows the user what was asked.
+    DevicePage(const PageContext &context, SerialAssistantPage &assistant,
+               QWidget *parent = nullptr);
+    ~DevicePage() override;
+
+private slots:
+    void on_readDeviceID_clicked();
+    void on_readVersion_clicked();
+    void on_picSetRead_clicked();
+    void on_readVccVoltage_clicked();
+    void on_readSdName_clicked();
+    void on_readConfig_clicked();
+    void on_readLedConfig_clicked();
+
+    void on_picSetQuery_clicked();
+    void on_musicPlayPlay_clicked();
+    void on_musicPlayStop_clicked();
+    void on_resetK7_clicked();
+    void on_resetSystem_clicked();
+    void on_writeConfig_clicked();
+    void on_writeLedConfig_clicked();
+    void on_readNorFlash_clicked();
+    void on_writeNorFlash_clicked();
+
+    void on_serialSet_clicked();
+
+private:
+    struct Reply;
+    static const std::array<Reply, 7> replies;
+
+    void read(const deviceValues::Block &block);
+    void writeVp(quint16 address, std::initializer_list<int> words);
+    void accessNorFlash(int direction);
+    void showReplies();
+    void showDeviceId();
+    void showVersion();
+    void showPicture();
+    void showVoltage();
+    void showSdName();
+    void showConfig();
+    void showLedConfig();
+
+    const PageContext m_context;
+    SerialAssistantPage &m_assistant;
+    std::unique_ptr<Ui::DevicePage> m_ui;
+    QButtonGroup *m_sdStatus;
+    QButtonGroup *m_touchVoice;
+    QButtonGroup *m_touchLight;
+    QButtonGroup *m_displayDirection;
+    QSet<quint16> m_arrived; ///< start addresses of replies that are not shown yet
+    PacedTrigger m_refresh{0};
+};

@@ -1,0 +1,11 @@
+#include "ico/ico_generator_page.h"
+
+#include "ui_ico_generator_page.h"
+
+IcoGeneratorPage::IcoGeneratorPage(QWidget *parent)
+    : QWidget(parent), m_ui(std::make_unique<Ui::IcoGeneratorPage>())
+{
+    m_ui->setupUi(this);
+}
+
+IcoGeneratorPage::~IcoGeneratorPage() = default;

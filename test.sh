@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Checks the formatting and runs the tests, plain and under the sanitizers.
+set -euo pipefail
+cd "$(dirname "$0")"
+scripts/install-packages.sh
+
+find src simulator tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run -Werror
+for preset in asan debug; do
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset"
+  ctest --preset "$preset"
+done

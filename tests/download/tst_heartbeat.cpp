@@ -1,0 +1,166 @@
+#include "download/heartbeat.h"
+#include "download/step_dispatch.h"
+#include "support/event_loop.h"
+#include "support/fake_link.h"
+#include "support/recording_notices.h"
+
+#include <QEventLoop>
+#include <QtTest>
+
+namespace {
+
+constexpr int type = 99;
+constexpr qint64 millisecond = TickClock::tickNanoseconds;
+
+/// A step that does what the test says.
+class ScriptedStep final : public Step
+{
+public:
+    using Step::Step;
+    std::function<void(int tick)> onTick = [](int) {};
+
+    void step() override
+    {
+        ticks.append(m_session.tick);
+        onTick(m_session.tick);
+    }
+
+    QVector<int> ticks;
+};
+
+/// A running heartbeat with one scripted step.
+struct Bench
+{
+    Bench()
+    {
+        auto owned = std::make_unique<ScriptedStep>(session, link, notices);
+        step = owned.get();
+        dispatch.add(type, std::move(owned));
+        heartbeat.start();
+    }
+
+    DownloadSession session;
+    FakeLink link;
+    RecordingNotices notices;
+    StepDispatch dispatch{session};
+    ScriptedStep *step;
+    int reads = 0;
+    Heartbeat heartbeat{session, dispatch, [this] { ++reads; }};
+};
+
+QVector<int> upTo(int last)
+{
+    QVector<int> ticks(last);
+    std::iota(ticks.begin(), ticks.end(), 1);
+    return ticks;
+}
+
+} // namespace
+
+class TestHeartbeat : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void clockCountsWholeMilliseconds();
+    void clockForgetsWhatABlockedWindowLost();
+    void everyTickRunsOnceAndInOrder();
+    void ticksGoOnInANestedEventLoop();
+    void blockedWindowNeverRunsMoreThanFourTicksAtOnce();
+    void linksAreReadBeforeTicksAreJudged();
+};
+
+void TestHeartbeat::clockCountsWholeMilliseconds()
+{
+    TickClock clock;
+    clock.restart(5 * millisecond);
+    QVERIFY(!clock.take(6 * millisecond - 1));
+    QVERIFY(clock.take(6 * millisecond));
+    QVERIFY(!clock.take(6 * millisecond));
+    // A late timeout makes up for what passed, and the fraction is not lost.
+    QVERIFY(clock.take(8 * millisecond + millisecond / 2));
+    QVERIFY(clock.take(8 * millisecond + millisecond / 2));
+    QVERIFY(!clock.take(8 * millisecond + millisecond / 2));
+    QVERIFY(clock.take(9 * millisecond));
+}
+
+void TestHeartbeat::clockForgetsWhatABlockedWindowLost()
+{
+    TickClock clock;
+    clock.restart(0);
+    const qint64 now = 300 * millisecond;
+    clock.limit(now);
+    int ticks = 0;
+    while (clock.take(now))
+        ++ticks;
+    QCOMPARE(ticks, 4);
+    QVERIFY(clock.take(now + millisecond));
+}
+
+void TestHeartbeat::everyTickRunsOnceAndInOrder()
+{
+    Bench bench;
+    bench.step->onTick = [&bench](int tick) {
+        if (tick == 120)
+            bench.session.commandType = commandType::idle;
+    };
+    bench.session.start(type);
+    COMPARE_SOON(bench.session.commandType, int(commandType::idle));
+    QCOMPARE(bench.step->ticks, upTo(120));
+    COMPARE_SOON(bench.session.tick, 0);
+}
+
+void TestHeartbeat::ticksGoOnInANestedEventLoop()
+{
+    Bench bench;
+    QEventLoop box;
+    bench.step->onTick = [&](int tick) {
+        if (tick == 3)
+            box.exec();
+        if (tick == 60)
+            box.quit();
+        if (tick == 80)
+            bench.session.commandType = commandType::idle;
+    };
+    bench.session.start(type);
+    COMPARE_SOON(bench.session.commandType, int(commandType::idle));
+    QCOMPARE(bench.step->ticks, upTo(80));
+}
+
+void TestHeartbeat::blockedWindowNeverRunsMoreThanFourTicksAtOnce()
+{
+    Bench bench;
+    int passes = 0;
+    QVector<int> passOfTick;
+    QTimer passCounter;
+    connect(&passCounter, &QTimer::timeout, this, [&passes] { ++passes; });
+    passCounter.start(0);
+    bench.step->onTick = [&](int tick) {
+        passOfTick.append(passes);
+        if (tick == 10)
+            QThread::msleep(50);
+        if (tick == 40)
+            bench.session.commandType = commandType::idle;
+    };
+    bench.session.start(type);
+    COMPARE_SOON(bench.session.commandType, int(commandType::idle));
+    for (int i = 4; i < passOfTick.size(); ++i)
+        QVERIFY(passOfTick.at(i) > passOfTick.at(i - 4));
+}
+
+void TestHeartbeat::linksAreReadBeforeTicksAreJudged()
+{
+    Bench bench;
+    int readsAtFirstTick = 0;
+    bench.step->onTick = [&](int tick) {
+        if (tick == 1)
+            readsAtFirstTick = bench.reads;
+        bench.session.commandType = commandType::idle;
+    };
+    bench.session.start(type);
+    COMPARE_SOON(bench.step->ticks.size(), 1);
+    QCOMPARE(readsAtFirstTick, 1);
+}
+
+QTEST_GUILESS_MAIN(TestHeartbeat)
+#include "tst_heartbeat.moc"

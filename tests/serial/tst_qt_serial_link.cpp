@@ -1,0 +1,134 @@
+#include "serial/qt_serial_link.h"
+#include "simulator/pseudo_terminal.h"
+#include "support/event_loop.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+class TestQtSerialLink : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void bytesGoBothWays();
+    void secondOpenFailsOnAnOpenLink();
+    void missingPortIsReported();
+    void fileThatIsNoPortIsReported();
+    void writingToAClosedLinkDoesNothing();
+    void bytesFromBeforeTheOpenAreForgotten();
+    void pollReadsWithoutTheEventLoop();
+    void vanishedDeviceIsReportedOnceAndClosed();
+
+private:
+    std::unique_ptr<k7::PseudoTerminal> m_terminal;
+    std::unique_ptr<QtSerialLink> m_link;
+};
+
+void TestQtSerialLink::init()
+{
+    m_terminal = std::make_unique<k7::PseudoTerminal>();
+    QVERIFY(m_terminal->open());
+    m_link = std::make_unique<QtSerialLink>();
+    m_link->setPortName(m_terminal->path());
+    m_link->setBaudRate(6250000);
+}
+
+void TestQtSerialLink::cleanup()
+{
+    m_link.reset();
+    m_terminal.reset();
+}
+
+void TestQtSerialLink::bytesGoBothWays()
+{
+    QByteArray sent;
+    connect(m_terminal.get(), &k7::PseudoTerminal::received, this,
+            [&sent](const QByteArray &bytes) { sent += bytes; });
+    QVERIFY(m_link->open());
+    QByteArray all;
+    for (int i = 0; i < 70000; ++i)
+        all.append(static_cast<char>(i));
+    m_link->write(all);
+    COMPARE_SOON(sent.size(), all.size());
+    QCOMPARE(sent, all);
+
+    QByteArray received;
+    connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
+    m_terminal->write(all);
+    COMPARE_SOON(received.size(), all.size());
+    QCOMPARE(received, all);
+}
+
+void TestQtSerialLink::secondOpenFailsOnAnOpenLink()
+{
+    QVERIFY(m_link->open());
+    QVERIFY(!m_link->open());
+    QVERIFY(m_link->isOpen());
+}
+
+void TestQtSerialLink::missingPortIsReported()
+{
+    m_link->setPortName("Refresh");
+    QVERIFY(!m_link->open());
+    QVERIFY(!m_link->isOpen());
+    QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
+}
+
+void TestQtSerialLink::fileThatIsNoPortIsReported()
+{
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    m_link->setPortName(file.fileName());
+    QVERIFY(!m_link->open());
+    QCOMPARE(m_link->openFailure(), OpenFailure::NotASerialPort);
+}
+
+void TestQtSerialLink::writingToAClosedLinkDoesNothing()
+{
+    QSignalSpy received(m_terminal.get(), &k7::PseudoTerminal::received);
+    m_link->write("lost");
+    QVERIFY(m_link->open());
+    m_link->write("kept");
+    COMPARE_SOON(received.count(), 1);
+    QCOMPARE(received.first().first().toByteArray(), QByteArray("kept"));
+}
+
+void TestQtSerialLink::bytesFromBeforeTheOpenAreForgotten()
+{
+    m_terminal->write("late reply");
+    QVERIFY(m_link->open());
+    m_terminal->write("new");
+    QSignalSpy readyRead(m_link.get(), &SerialLink::readyRead);
+    COMPARE_SOON(readyRead.count() > 0, true);
+    QCOMPARE(m_link->readAll(), QByteArray("new"));
+}
+
+void TestQtSerialLink::pollReadsWithoutTheEventLoop()
+{
+    QVERIFY(m_link->open());
+    QByteArray received;
+    connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
+    m_link->poll();
+    QVERIFY(received.isEmpty());
+    m_terminal->write("reply");
+    m_link->poll();
+    QCOMPARE(received, QByteArray("reply"));
+}
+
+void TestQtSerialLink::vanishedDeviceIsReportedOnceAndClosed()
+{
+    QSignalSpy lost(m_link.get(), &SerialLink::lost);
+    QVERIFY(m_link->open());
+    m_terminal->hangUp();
+    COMPARE_SOON(lost.count(), 1);
+    QVERIFY(!m_link->isOpen());
+    runEventLoop(20);
+    QCOMPARE(lost.count(), 1);
+    QVERIFY(!m_link->open());
+    QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
+}
+
+QTEST_GUILESS_MAIN(TestQtSerialLink)
+#include "tst_qt_serial_link.moc"

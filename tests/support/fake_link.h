@@ -1,0 +1,45 @@
+#pragma once
+
+#include "serial/serial_link.h"
+
+#include <QVector>
+
+/// A link without a device, which remembers what is done with it.
+class FakeLink final : public SerialLink
+{
+public:
+    bool canOpen = true;
+    QString name;
+    int rate = 0;
+    int opens = 0;
+    int closes = 0;
+    QVector<QByteArray> written;
+
+    void setPortName(const QString &portName) override { name = portName; }
+    void setBaudRate(int baudRate) override { rate = baudRate; }
+    bool open() override
+    {
+        if (!canOpen || m_isOpen)
+            return false;
+        m_isOpen = true;
+        ++opens;
+        return true;
+    }
+    bool isOpen() const override { return m_isOpen; }
+    OpenFailure openFailure() const override { return OpenFailure::InUse; }
+    void close() override
+    {
+        m_isOpen = false;
+        ++closes;
+    }
+    void write(const QByteArray &bytes) override
+    {
+        if (m_isOpen)
+            written.append(bytes);
+    }
+    QByteArray readAll() override { return {}; }
+    void poll() override {}
+
+private:
+    bool m_isOpen = false;
+};

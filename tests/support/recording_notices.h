@@ -1,0 +1,24 @@
+#pragma once
+
+#include "common/notices.h"
+
+#include <QStringList>
+
+#include <functional>
+
+/// Remembers the English texts of the notices; `whileOpen` runs as long as a box would be open.
+class RecordingNotices final : public Notices
+{
+public:
+    QStringList shown;
+    QStringList details;
+    std::function<void()> whileOpen;
+
+    void warn(const Text &text, const Text *detail) override
+    {
+        shown.append(text.in(true));
+        details.append(detail ? detail->in(true) : QString());
+        if (whileOpen)
+            whileOpen();
+    }
+};
