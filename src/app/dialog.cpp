@@ -40,8 +40,6 @@ Dialog::Dialog(QWidget *parent)
     , m_uartReplies(uartReceiveRules, m_builder, m_session.replyReceived)
     , m_ed2Replies(ed2ReceiveRules, m_builder, m_session.replyReceived)
     , m_notices(this, m_isEnglish)
-    , m_uartSet(new SerialSet(this))
-    , m_ed2Set(new SerialSet(this))
     , m_dispatch(m_session)
     , m_heartbeat(m_session, m_dispatch, [this] {
         m_uartPort.poll();
@@ -55,8 +53,11 @@ Dialog::Dialog(QWidget *parent)
     windowFont.setPixelSize(12);
     setFont(windowFont);
 
-    for (SerialSet *set : {m_uartSet, m_ed2Set})
-        set->setWindowTitle("Serial set");
+    const QStringList ports = SerialSet::systemPorts();
+    for (SerialSet **set : {&m_uartSet, &m_ed2Set}) {
+        *set = new SerialSet(ports, this);
+        (*set)->setWindowTitle("Serial set");
+    }
     buildPages();
 
     // The ED2 link starts at 115200: its settings are applied before its dialog shows 6250000, and

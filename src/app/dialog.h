@@ -58,8 +58,8 @@ private:
     ReplyReceiver m_ed2Replies;
     TrafficLog m_trafficLog;
     MessageBoxNotices m_notices;
-    SerialSet *m_uartSet;
-    SerialSet *m_ed2Set;
+    SerialSet *m_uartSet = nullptr;
+    SerialSet *m_ed2Set = nullptr;
     SerialAssistantPage *m_assistant = nullptr;
     StepDispatch m_dispatch;
     Heartbeat m_heartbeat;

@@ -26,6 +26,13 @@ void Heartbeat::onTimeout()
         m_dispatch.tick();
         return;
     }
+    // Queued, because Qt delivers no event of a timer whose own slot still runs: ticks must go on
+    // in the event loop of a box that a step shows. An idle window is spared the detour.
+    QMetaObject::invokeMethod(this, &Heartbeat::runDueTicks, Qt::QueuedConnection);
+}
+
+void Heartbeat::runDueTicks()
+{
     m_readLinks();
     const qint64 now = m_time.nsecsElapsed();
     if (m_session.starts != m_startsSeen) {

@@ -27,6 +27,7 @@ public:
 
 private:
     void onTimeout();
+    void runDueTicks();
 
     static constexpr int intervalMilliseconds = 1;
 

@@ -60,8 +60,7 @@ void QtSerialLink::onError(QSerialPort::SerialPortError error)
 {
     const bool isTransferError =
         error == QSerialPort::ReadError || error == QSerialPort::WriteError;
-    const bool isLost =
-        error == QSerialPort::ResourceError || (isTransferError && deviceIsGone());
+    const bool isLost = error == QSerialPort::ResourceError || (isTransferError && deviceIsGone());
     if (!isLost || !m_port.isOpen())
         return;
     // Until it is closed, a port without its device reports errors without end.

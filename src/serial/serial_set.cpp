@@ -23,7 +23,7 @@ QSpinBox *headerBox(int value)
 
 } // namespace
 
-SerialSet::SerialSet(QWidget *parent)
+SerialSet::SerialSet(const QStringList &systemPorts, QWidget *parent)
     : QDialog(parent)
     , m_port(new QComboBox)
     , m_baud(new QComboBox)
@@ -56,7 +56,7 @@ SerialSet::SerialSet(QWidget *parent)
             &SerialSet::sreialName_activated);
 
     m_port->addItem(refresh);
-    fillPortList();
+    appendPorts(systemPorts);
     query_clicked();
 }
 
@@ -94,15 +94,16 @@ void SerialSet::sreialName_activated()
     m_port->clear();
     m_port->addItem(refresh);
     m_port->setCurrentText(refresh);
-    fillPortList();
+    appendPorts(systemPorts() + m_extraPorts);
 }
 
-void SerialSet::fillPortList()
+QStringList SerialSet::systemPorts()
 {
     QStringList names;
-    for (const QSerialPortInfo &port : QSerialPortInfo::availablePorts())
+    const auto ports = QSerialPortInfo::availablePorts();
+    for (const QSerialPortInfo &port : ports)
         names.append(port.portName());
-    appendPorts(names + m_extraPorts);
+    return names;
 }
 
 void SerialSet::appendPorts(const QStringList &names)

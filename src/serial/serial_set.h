@@ -16,7 +16,11 @@ class SerialSet : public QDialog
     Q_OBJECT
 
 public:
-    explicit SerialSet(QWidget *parent = nullptr);
+    /// `systemPorts` is what systemPorts() has just said: asking takes some 10 ms.
+    explicit SerialSet(const QStringList &systemPorts, QWidget *parent = nullptr);
+
+    /// The names of the ports that the system lists, in its order.
+    static QStringList systemPorts();
 
     const SerialSettings &settings() const { return m_settings; }
 
@@ -32,7 +36,6 @@ private slots:
     void sreialName_activated();
 
 private:
-    void fillPortList();
     void appendPorts(const QStringList &names);
 
     SerialSettings m_settings;

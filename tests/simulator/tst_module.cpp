@@ -396,7 +396,7 @@ void ModuleTest::dumpHoldsTheMemory()
     const QDir target(folder.filePath("new/folder"));
     Module module;
     module.receive(Link::Uart2, hex("5AA5 04 80 01 02 99"));
-    module.receive(Link::Uart2, hex("5AA5 07 84 02 0102 FFFF"));
+    module.receive(Link::Uart2, hex("5AA5 06 84 02 0102 FFFF"));
     module.receive(Link::Uart2, hex("5AA5 0B 82 0008 A502 0000 0000 0001"));
     QVERIFY(k7::dump(module, target));
 
