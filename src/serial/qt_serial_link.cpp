@@ -52,15 +52,16 @@ void QtSerialLink::write(const QByteArray &bytes)
 
 void QtSerialLink::poll()
 {
-    if (m_port.isOpen())
+    if (m_port.isOpen() && hasInput())
         m_port.waitForReadyRead(0);
 }
 
 void QtSerialLink::onError(QSerialPort::SerialPortError error)
 {
+    // A read that finds nothing, because poll() came first, is reported as an error, too.
     const bool isTransferError =
         error == QSerialPort::ReadError || error == QSerialPort::WriteError;
-    const bool isLost = error == QSerialPort::ResourceError || (isTransferError && deviceIsGone());
+    const bool isLost = error == QSerialPort::ResourceError || (isTransferError && isHungUp());
     if (!isLost || !m_port.isOpen())
         return;
     // Until it is closed, a port without its device reports errors without end.
@@ -69,16 +70,41 @@ void QtSerialLink::onError(QSerialPort::SerialPortError error)
     QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
 }
 
-bool QtSerialLink::deviceIsGone() const
-{
 #ifdef Q_OS_UNIX
-    // A read that finds nothing, because poll() came first, is reported as an error, too.
-    pollfd device{m_port.handle(), POLLIN, 0};
-    return ::poll(&device, 1, 0) != 0 && (device.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
-#else
-    return true;
-#endif
+
+namespace {
+
+bool isInState(int descriptor, short events)
+{
+    pollfd device{descriptor, events, 0};
+    return ::poll(&device, 1, 0) > 0 && (device.revents & events) != 0;
 }
+
+} // namespace
+
+bool QtSerialLink::hasInput() const
+{
+    return isInState(m_port.handle(), POLLIN);
+}
+
+bool QtSerialLink::isHungUp() const
+{
+    return isInState(m_port.handle(), POLLHUP | POLLERR | POLLNVAL);
+}
+
+#else
+
+bool QtSerialLink::hasInput() const
+{
+    return true;
+}
+
+bool QtSerialLink::isHungUp() const
+{
+    return true;
+}
+
+#endif
 
 OpenFailure QtSerialLink::causeOf(QSerialPort::SerialPortError error) const
 {

@@ -24,7 +24,9 @@ public:
 
 private:
     void onError(QSerialPort::SerialPortError error);
-    bool deviceIsGone() const;
+    // What the device says right now; where the system cannot tell, both say yes.
+    bool hasInput() const;
+    bool isHungUp() const;
     OpenFailure causeOf(QSerialPort::SerialPortError error) const;
 
     QSerialPort m_port;

@@ -60,6 +60,8 @@ SerialAssistantPage::SerialAssistantPage(const PageContext &context, QWidget *pa
     fixedFont.setPixelSize(12);
     m_ui->receiveText->setFont(fixedFont);
     m_ui->displayText->setFont(fixedFont);
+    // Lines of digits have no words, and looking for some takes most of the time of a fast stream.
+    m_ui->receiveText->setWordWrapMode(QTextOption::WrapAnywhere);
     m_ui->receiveText->document()->setMaximumBlockCount(TrafficLog::maxLines);
     for (const Kind &kind : kinds)
         m_ui->serialCmd->addItem(kind.text);

@@ -16,7 +16,7 @@ class TrafficLog : public QObject
 public:
     /// Lines that are worth keeping: a day of traffic must not eat the machine.
     static constexpr int maxLines = 10000;
-    static constexpr int batchInterval = 40; ///< milliseconds, 25 batches a second
+    static constexpr int batchInterval = 80; ///< milliseconds
 
     explicit TrafficLog(QObject *parent = nullptr);
 
