@@ -1,5 +1,6 @@
 #include "app/dialog.h"
 
+#include "common/program_folder.h"
 #include "config/system_config_page.h"
 #include "crc/crc_page.h"
 #include "download/device_page.h"
@@ -20,7 +21,7 @@
 
 namespace {
 
-/// A tab widget that fills the page of `tabs` that it stands on.
+/// A tab widget on a new page of `tabs`, which it fills.
 QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QString &caption,
                          const QString &name)
 {
@@ -37,9 +38,11 @@ QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QStrin
 
 Dialog::Dialog(QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint)
+    , m_settings(programFolder() + "/SystemConfig.ini")
+    , m_language(*this, m_settings)
     , m_uartReplies(uartReceiveRules, m_builder, m_session.replyReceived)
     , m_ed2Replies(ed2ReceiveRules, m_builder, m_session.replyReceived)
-    , m_notices(this, m_isEnglish)
+    , m_notices(this, m_language.isEnglish())
     , m_dispatch(m_session)
     , m_heartbeat(m_session, m_dispatch, [this] {
         m_uartPort.poll();
@@ -71,6 +74,25 @@ Dialog::Dialog(QWidget *parent)
     connectLinks();
     buildSteps();
     m_heartbeat.start();
+    loadSettings();
+    openInitialTab();
+}
+
+void Dialog::setResolutionText(const QString &text)
+{
+    m_resolutionText = text;
+    showResolution();
+    if (m_resolutionText.isEmpty() || !m_isResolutionPending)
+        return;
+    // Once more when the event loop runs and the widgets have settled.
+    m_isResolutionPending = false;
+    QTimer::singleShot(0, this, &Dialog::showResolution);
+}
+
+void Dialog::selectLanguage(const QString &language)
+{
+    if (language == Language::chinese || language == Language::english)
+        m_zeroFont->selectLanguage(language);
 }
 
 void Dialog::offerPorts(const QStringList &ports)
@@ -87,6 +109,28 @@ void Dialog::usePorts(const QString &uartPort, const QString &ed2Port)
     m_ed2Set->usePort(ed2Port);
 }
 
+void Dialog::loadSettings()
+{
+    const QStringList resolutions = m_settings.loadResolutions();
+    if (!resolutions.isEmpty()) {
+        m_pictureDownload->setResolutions(resolutions);
+        m_imageConversion->setResolutions(resolutions);
+    }
+    m_language.load();
+}
+
+void Dialog::openInitialTab()
+{
+    const QSettings config(programFolder() + "/config.cfg", QSettings::IniFormat);
+    m_tabs->setCurrentIndex(config.value("tabview/tabview").toInt());
+}
+
+void Dialog::showResolution()
+{
+    m_pictureDownload->showResolution(m_resolutionText);
+    m_imageConversion->showResolution(m_resolutionText);
+}
+
 void Dialog::keyPressEvent(QKeyEvent *event)
 {
     // A stray Escape must not end the tool in the middle of a download.
@@ -99,27 +143,36 @@ void Dialog::buildPages()
     const PageContext context{m_session,    m_builder,  m_uartReplies, m_ed2Replies,
                               m_trafficLog, *m_uartSet, *m_ed2Set,     m_notices};
 
-    auto *tabs = new QTabWidget(this);
-    tabs->setObjectName("tabWidget");
-    tabs->setGeometry(0, 0, 1010, 640);
+    m_tabs = new QTabWidget(this);
+    m_tabs->setObjectName("tabWidget");
+    m_tabs->setGeometry(0, 0, 1010, 640);
 
-    tabs->addTab(new ZeroFontPage, "Creat zero font library");
-    QTabWidget *ico = addInnerTabs(tabs, "creatICOTab", "ICO Manager", "tabWidgetICO");
+    m_zeroFont = new ZeroFontPage;
+    connect(m_zeroFont, &ZeroFontPage::languageChosen, this,
+            [this](const QString &language) { m_language.apply(language); });
+    connect(m_zeroFont, &ZeroFontPage::shownLanguageChosen, this, [this](const QString &language) {
+        if (language != m_language.applied())
+            m_language.apply(language);
+    });
+    m_tabs->addTab(m_zeroFont, "Creat zero font library");
+    QTabWidget *ico = addInnerTabs(m_tabs, "creatICOTab", "ICO Manager", "tabWidgetICO");
     ico->addTab(new IcoGeneratorPage, "ICO File Generator");
     ico->addTab(new IcoPreviewPage, "Preview Of ICO File");
 
-    QTabWidget *uart = addInnerTabs(tabs, "tab", "Uart2 Communication", "tabWidgetSerial");
+    QTabWidget *uart = addInnerTabs(m_tabs, "tab", "Uart2 Communication", "tabWidgetSerial");
     m_assistant = new SerialAssistantPage(context);
     uart->addTab(m_assistant, "VORA Serial Assistant");
     uart->addTab(new DevicePage(context, *m_assistant), "Uart2 Communication");
 
-    QTabWidget *ed2 = addInnerTabs(tabs, "tab_2", "ED2 Communication", "tabWidgetEd2");
+    QTabWidget *ed2 = addInnerTabs(m_tabs, "tab_2", "ED2 Communication", "tabWidgetEd2");
     ed2->addTab(new FontDownloadPage, "Fonts And Bin File Download");
-    ed2->addTab(new PictureDownloadPage(context), "Image Download");
+    m_pictureDownload = new PictureDownloadPage(context);
+    ed2->addTab(m_pictureDownload, "Image Download");
 
-    tabs->addTab(new SystemConfigPage, "System configuration");
-    tabs->addTab(new ImageConversionPage, "Image conversion");
-    tabs->addTab(new CrcPage, "CRC_Check");
+    m_tabs->addTab(new SystemConfigPage, "System configuration");
+    m_imageConversion = new ImageConversionPage;
+    m_tabs->addTab(m_imageConversion, "Image conversion");
+    m_tabs->addTab(new CrcPage, "CRC_Check");
 }
 
 void Dialog::connectLinks()

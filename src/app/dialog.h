@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/language.h"
 #include "app/message_box_notices.h"
+#include "app/tool_settings.h"
 #include "download/download_session.h"
 #include "download/heartbeat.h"
 #include "download/step_dispatch.h"
@@ -12,9 +14,12 @@
 #include <QDialog>
 #include <QStringList>
 
+class ImageConversionPage;
+class PictureDownloadPage;
 class QTabWidget;
 class SerialAssistantPage;
 class SerialSet;
+class ZeroFontPage;
 
 /// The window of the tool. It builds and owns everything: the pages, the two links with their
 /// settings dialogs, the frames, the session and its heartbeat.
@@ -28,7 +33,13 @@ public:
     /// The folder of the module's configuration files.
     void setDefaultFolder(const QString &folder) { m_defaultFolder = folder; }
     /// The screen resolution that the picture pages begin with, such as "480X272".
-    void setResolutionText(const QString &text) { m_resolutionText = text; }
+    void setResolutionText(const QString &text);
+
+    /// The language that was applied last, as selectLanguage() takes it; empty before the first
+    /// time.
+    const QString &language() const { return m_language.applied(); }
+    /// Chooses "English" or "中文", and applies it; any other text is ignored.
+    void selectLanguage(const QString &language);
 
     /// Offers `ports` in both settings dialogs after the ports that the system lists, and uses the
     /// last of them, as if the system had listed it last.
@@ -43,12 +54,17 @@ private:
     void buildPages();
     void connectLinks();
     void buildSteps();
+    void loadSettings();
+    void openInitialTab();
+    void showResolution();
     void applyUartSettings();
     void applyEd2Settings();
 
-    bool m_isEnglish = true;
+    ToolSettings m_settings;
+    Language m_language;
     QString m_defaultFolder;
     QString m_resolutionText;
+    bool m_isResolutionPending = true;
 
     DownloadSession m_session;
     FrameBuilder m_builder;
@@ -60,7 +76,11 @@ private:
     MessageBoxNotices m_notices;
     SerialSet *m_uartSet = nullptr;
     SerialSet *m_ed2Set = nullptr;
+    QTabWidget *m_tabs = nullptr;
+    ZeroFontPage *m_zeroFont = nullptr;
     SerialAssistantPage *m_assistant = nullptr;
+    PictureDownloadPage *m_pictureDownload = nullptr;
+    ImageConversionPage *m_imageConversion = nullptr;
     StepDispatch m_dispatch;
     Heartbeat m_heartbeat;
 };

@@ -1,33 +1,53 @@
 #include "app/dialog.h"
+#include "app/screenshots.h"
 #include "simulator/simulator.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QStandardPaths>
 
 #include <cstdio>
+#include <memory>
+
+namespace {
+
+/// The application; without a window system where only a text is asked for.
+std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
+{
+    for (int i = 1; i < argc; ++i)
+        for (const char *option : {"-h", "--help", "--help-all", "-v", "--version"})
+            if (qstrcmp(argv[i], option) == 0)
+                return std::make_unique<QCoreApplication>(argc, argv);
+    return std::make_unique<QApplication>(argc, argv);
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
+    const auto application = makeApplication(argc, argv);
     QApplication::setApplicationName("VORAII_Tool");
     QApplication::setApplicationVersion(VORAII_VERSION);
-    // The geometry of the pages is drawn for this style.
-    QApplication::setStyle("Fusion");
 
     const QCommandLineOption simulate("simulate",
                                       "Start a simulated module and use its two ports.");
     const QCommandLineOption port(
         "port", "Offer a port that the system does not list (repeatable).", "NAME");
+    const QCommandLineOption language("language", "Choose the language: English or 中文.", "TEXT");
+    const QCommandLineOption screenshots(
+        "screenshots", "Save a picture of every page in both languages, and exit.", "DIR");
     QCommandLineParser parser;
     parser.setApplicationDescription("Talks to K7 display modules and prepares their files.");
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({simulate, port});
-    parser.process(application);
+    parser.addOptions({simulate, port, language, screenshots});
+    parser.process(*application);
 
+    // The geometry of the pages is drawn for this style.
+    QApplication::setStyle("Fusion");
     k7::Simulator simulator;
     Dialog dialog;
     dialog.setDefaultFolder(QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) +
@@ -43,6 +63,13 @@ int main(int argc, char *argv[])
         dialog.offerPorts({simulator.uartPath(), simulator.ed2Path()});
         dialog.usePorts(simulator.uartPath(), simulator.ed2Path());
     }
+    dialog.selectLanguage(parser.value(language));
     dialog.show();
+    if (parser.isSet(screenshots)) {
+        if (saveScreenshots(dialog, parser.value(screenshots)))
+            return 0;
+        std::fputs("Some pictures could not be written.\n", stderr);
+        return 1;
+    }
     return QApplication::exec();
 }

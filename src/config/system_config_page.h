@@ -18,5 +18,8 @@ public:
     ~SystemConfigPage() override;
 
 private:
+    /// Groups the radio buttons; their ids are what the file holds, the checked ones its defaults.
+    void makeGroups();
+
     std::unique_ptr<Ui::SystemConfigPage> m_ui;
 };

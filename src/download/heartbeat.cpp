@@ -9,9 +9,7 @@ Heartbeat::Heartbeat(DownloadSession &session, StepDispatch &dispatch,
 {
     m_timer.setInterval(intervalMilliseconds);
     m_timer.setTimerType(Qt::PreciseTimer);
-    // Queued, because Qt delivers no event of a timer whose own slot still runs: ticks must go on
-    // in the event loop of a box that a step shows.
-    connect(&m_timer, &QTimer::timeout, this, &Heartbeat::onTimeout, Qt::QueuedConnection);
+    connect(&m_timer, &QTimer::timeout, this, &Heartbeat::onTimeout);
 }
 
 void Heartbeat::start()

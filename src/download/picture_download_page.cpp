@@ -8,9 +8,21 @@ PictureDownloadPage::PictureDownloadPage(const PageContext &context, QWidget *pa
     : QWidget(parent), m_context(context), m_ui(std::make_unique<Ui::PictureDownloadPage>())
 {
     m_ui->setupUi(this);
+    m_ui->picturePath->setColumnWidth(1, 600);
 }
 
 PictureDownloadPage::~PictureDownloadPage() = default;
+
+void PictureDownloadPage::setResolutions(const QStringList &resolutions)
+{
+    m_ui->srceenSize->clear();
+    m_ui->srceenSize->addItems(resolutions);
+}
+
+void PictureDownloadPage::showResolution(const QString &resolution)
+{
+    m_ui->srceenSize->setCurrentText(resolution);
+}
 
 void PictureDownloadPage::on_serialSet_2_clicked()
 {

@@ -19,6 +19,11 @@ public:
     explicit PictureDownloadPage(const PageContext &context, QWidget *parent = nullptr);
     ~PictureDownloadPage() override;
 
+    /// Offers `resolutions`, such as "480X272", in place of the built-in ones.
+    void setResolutions(const QStringList &resolutions);
+    /// Shows `resolution` if it is offered.
+    void showResolution(const QString &resolution);
+
 private slots:
     void on_serialSet_2_clicked();
 

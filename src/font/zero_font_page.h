@@ -17,6 +17,20 @@ public:
     explicit ZeroFontPage(QWidget *parent = nullptr);
     ~ZeroFontPage() override;
 
+    /// Chooses one of the offered languages and asks for it, also when it is the shown one.
+    void selectLanguage(const QString &language);
+
+signals:
+    /// The user asked for `language`.
+    void languageChosen(const QString &language);
+    /// The user chose the entry that is shown already. A window that started in a stored language
+    /// shows an entry that may not be the language it has.
+    void shownLanguageChosen(const QString &language);
+
+private slots:
+    void on_systemLanguage_currentTextChanged(const QString &language);
+    void on_systemLanguage_activated(const QString &language);
+
 private:
     std::unique_ptr<Ui::ZeroFontPage> m_ui;
 };

@@ -6,6 +6,7 @@ IcoGeneratorPage::IcoGeneratorPage(QWidget *parent)
     : QWidget(parent), m_ui(std::make_unique<Ui::IcoGeneratorPage>())
 {
     m_ui->setupUi(this);
+    m_ui->ICOFileTable->setColumnWidth(1, 400);
 }
 
 IcoGeneratorPage::~IcoGeneratorPage() = default;

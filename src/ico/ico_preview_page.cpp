@@ -6,6 +6,7 @@ IcoPreviewPage::IcoPreviewPage(QWidget *parent)
     : QWidget(parent), m_ui(std::make_unique<Ui::IcoPreviewPage>())
 {
     m_ui->setupUi(this);
+    m_ui->displayPicture->setColumnCount(10);
 }
 
 IcoPreviewPage::~IcoPreviewPage() = default;

@@ -9,3 +9,14 @@ ImageConversionPage::ImageConversionPage(QWidget *parent)
 }
 
 ImageConversionPage::~ImageConversionPage() = default;
+
+void ImageConversionPage::setResolutions(const QStringList &resolutions)
+{
+    m_ui->pictureSrceen->clear();
+    m_ui->pictureSrceen->addItems(resolutions);
+}
+
+void ImageConversionPage::showResolution(const QString &resolution)
+{
+    m_ui->pictureSrceen->setCurrentText(resolution);
+}

@@ -96,7 +96,7 @@ QByteArray FrameBuilder::buildReadVpFrame(quint16 address, quint8 count) const
 QByteArray FrameBuilder::buildCurveFrame() const
 {
     QVector<const QVector<quint16> *> enabled;
-    int samples = 255;
+    int samples = maxCurveSamples;
     for (int channel = 0; channel < channels; ++channel) {
         if ((m_curveChannelMask >> channel & 1) == 0)
             continue;

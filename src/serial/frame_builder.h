@@ -28,6 +28,7 @@ public:
     static constexpr int registersPerPage = 256;
     static constexpr int vpWords = 0x10000;
     static constexpr int channels = 8;
+    static constexpr int maxCurveSamples = 255; ///< of each channel in one frame
     /// What the length byte can count of a write frame's data, beside command, address and CRC: the
     /// callers' limit, the builder itself cuts the length byte to 8 bits.
     int maxDataBytes() const { return m_crcEnabled ? 250 : 252; }

@@ -1,6 +1,7 @@
 #include "serial/qt_serial_link.h"
 
 #include <QFileInfo>
+#include <QVariant>
 
 #ifdef Q_OS_UNIX
 #include <poll.h>
@@ -12,6 +13,8 @@ QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
     m_port.setParity(QSerialPort::NoParity);
     m_port.setStopBits(QSerialPort::OneStop);
     m_port.setFlowControl(QSerialPort::NoFlowControl);
+    // Restored settings would change the rate under bytes that the driver has yet to send.
+    m_port.setProperty("settingsRestoredOnClose", false);
     connect(&m_port, &QSerialPort::readyRead, this, &SerialLink::readyRead);
     connect(&m_port, &QSerialPort::errorOccurred, this, &QtSerialLink::onError);
 }
@@ -58,12 +61,17 @@ void QtSerialLink::poll()
 
 void QtSerialLink::onError(QSerialPort::SerialPortError error)
 {
-    // A read that finds nothing, because poll() came first, is reported as an error, too.
-    const bool isTransferError =
-        error == QSerialPort::ReadError || error == QSerialPort::WriteError;
-    const bool isLost = error == QSerialPort::ResourceError || (isTransferError && isHungUp());
-    if (!isLost || !m_port.isOpen())
+    const bool isTransferError = error == QSerialPort::ResourceError ||
+                                 error == QSerialPort::ReadError ||
+                                 error == QSerialPort::WriteError;
+    if (!isTransferError || !m_port.isOpen())
         return;
+    if (!isHungUp()) {
+        // A read that finds nothing, because poll() came first, is reported as an error, too, and
+        // may have made the port deaf; this makes it listen again.
+        m_port.setReadBufferSize(0);
+        return;
+    }
     // Until it is closed, a port without its device reports errors without end.
     m_port.close();
     // Later, because whoever hears it may show a box while the port's own code is still running.

@@ -29,7 +29,7 @@ private:
     bool isHungUp() const;
     OpenFailure causeOf(QSerialPort::SerialPortError error) const;
 
-    QSerialPort m_port;
+    QSerialPort m_port{this};
     QString m_name;
     OpenFailure m_openFailure = OpenFailure::NoSuchPort;
 };

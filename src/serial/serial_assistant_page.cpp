@@ -46,10 +46,7 @@ const std::array<SerialAssistantPage::Kind, 6> SerialAssistantPage::kinds{{
 }};
 
 SerialAssistantPage::SerialAssistantPage(const PageContext &context, QWidget *parent)
-    : QWidget(parent)
-    , m_context(context)
-    , m_ui(std::make_unique<Ui::SerialAssistantPage>())
-    , m_refresh(TrafficLog::batchInterval)
+    : QWidget(parent), m_context(context), m_ui(std::make_unique<Ui::SerialAssistantPage>())
 {
     m_ui->setupUi(this);
     for (int c = 0; c < FrameBuilder::channels; ++c)
@@ -197,7 +194,8 @@ bool SerialAssistantPage::prepareCurve()
 {
     std::array<QVector<quint16>, FrameBuilder::channels> samples;
     quint8 mask = 0;
-    int bytes = 0;
+    int channels = 0;
+    int shortest = FrameBuilder::maxCurveSamples;
     for (int c = 0; c < FrameBuilder::channels; ++c) {
         const Channel &channel = m_channels.at(c);
         if (!channel.box->isChecked())
@@ -207,9 +205,11 @@ bool SerialAssistantPage::prepareCurve()
             return false;
         samples[static_cast<size_t>(c)] = *words;
         mask = static_cast<quint8>(mask | 1 << c);
-        bytes += 2 * words->size();
+        shortest = qMin(shortest, words->size());
+        ++channels;
     }
-    if (bytes > m_context.builder.maxDataBytes())
+    // The frame goes on as long as every channel has a sample.
+    if (2 * shortest * channels > m_context.builder.maxDataBytes())
         return false;
     for (int c = 0; c < FrameBuilder::channels; ++c)
         m_context.builder.setCurveSamples(c, samples[static_cast<size_t>(c)]);

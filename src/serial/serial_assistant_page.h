@@ -72,5 +72,5 @@ private:
     std::unique_ptr<Ui::SerialAssistantPage> m_ui;
     QVector<Channel> m_channels;
     View m_view = View::Registers;
-    PacedTrigger m_refresh;
+    PacedTrigger m_refresh{0};
 };

@@ -74,7 +74,8 @@ void SerialSet::offerPorts(const QStringList &names)
 void SerialSet::usePort(const QString &name)
 {
     m_port->setCurrentText(name);
-    query_clicked();
+    m_settings.portName = m_port->currentText();
+    accept();
 }
 
 void SerialSet::query_clicked()

@@ -28,7 +28,7 @@ public:
     void setBaudText(int rate);
     /// Offers `names` after the ports that the system lists, from now on.
     void offerPorts(const QStringList &names);
-    /// Chooses and confirms one of the offered ports.
+    /// Chooses and confirms one of the offered ports; everything else stays as it was confirmed.
     void usePort(const QString &name);
 
 private slots:

@@ -155,7 +155,12 @@ void TestWindow::vpIsReadByHand()
     click("sendCmd");
     COMPARE_SOON(view("displayText"), QString("0x4521"));
     COMPARE_SOON(view("receiveText"), QString("5aa50483000f01\n5aa50683000f014521"));
-    QCOMPARE(line("displayVersion"), QString("GUI:V4.5 OS:V2.1"));
+    COMPARE_SOON(line("displayVersion"), QString("GUI:V4.5 OS:V2.1"));
+    finishExchange();
+    // Longer than a reply can be: only the rest over 126 is asked for.
+    set("regVpLen", 130);
+    click("sendCmd");
+    COMPARE_SOON(view("receiveText").contains("5aa50483000f04"), true);
 }
 
 void TestWindow::vpIsWrittenByHand()
@@ -202,7 +207,8 @@ void TestWindow::curveReachesTheModule()
     find<QCheckBox>("hexMode")->setChecked(true);
     find<QCheckBox>("channel0")->setChecked(true);
     find<QCheckBox>("channel3")->setChecked(true);
-    find<QLineEdit>("ChannelEdit0")->setText("0001 0002 0003");
+    // Only as many samples as every channel has go into the frame, however long one text is.
+    find<QLineEdit>("ChannelEdit0")->setText("0001 0002 0003" + QString(800, '0'));
     find<QLineEdit>("ChannelEdit3")->setText("00 10 00 20");
     // Sent twice, so that old samples would show up in the second frame.
     for (int times = 1; times <= 2; ++times) {
@@ -231,6 +237,8 @@ void TestWindow::dataThatDoNotFitAreRefused_data()
         << "Write the register" << QString(506, '1') << 0;
     QTest::newRow("odd bytes for samples") << "Curve of the cache area"
                                            << "AB" << 0;
+    QTest::newRow("more samples than a frame holds")
+        << "Curve of the cache area" << QString(508, '1') << 0;
     QTest::newRow("free-form that is no hexadecimal") << "Since writing instruction"
                                                       << "0x12" << 0;
 }
@@ -255,6 +263,8 @@ void TestWindow::commandKindsArrangeThePage()
 {
     find<QTabWidget>("tabWidget")->setCurrentIndex(2);
     const auto label = [this](const QString &name) { return find<QLabel>(name)->text(); };
+    for (const char *name : {"label_26", "label_27", "label_16", "label", "label_2"})
+        QVERIFY2(find<QLabel>(name)->isHidden(), name);
     const auto isShown = [this](const QString &name) { return find<QWidget>(name)->isVisible(); };
     QCOMPARE(label("addrLabel"), QString("Reg 0x"));
     QCOMPARE(label("lenLabel"), QString("Reg Len 0x"));
@@ -383,7 +393,8 @@ void TestWindow::confirmedCrcAndHeaderHoldForTheNextFrame()
 {
     QTimer::singleShot(0, this, [] {
         auto *settings = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        QVERIFY(settings);
+        if (!settings)
+            qFatal("no settings dialog");
         QCOMPARE(settings->windowTitle(), QString("Serial set"));
         settings->findChild<QCheckBox *>()->setChecked(true);
         settings->findChildren<QSpinBox *>().first()->setValue(0x12);
@@ -471,6 +482,12 @@ void TestWindow::clearedLogStaysClear()
     COMPARE_SOON(view("receiveText").count('\n'), 1);
     click("clearReceiveLog");
     QCOMPARE(view("receiveText"), QString());
+    finishExchange();
+    QCOMPARE(view("receiveText"), QString());
+    // The first line is shown at once, the reply waits for the next batch.
+    click("readVersion");
+    runEventLoop(25);
+    click("clearReceiveLog");
     finishExchange();
     QCOMPARE(view("receiveText"), QString());
 }

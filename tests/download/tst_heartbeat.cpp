@@ -1,5 +1,7 @@
 #include "download/heartbeat.h"
 #include "download/step_dispatch.h"
+#include "serial/qt_serial_link.h"
+#include "simulator/pseudo_terminal.h"
 #include "support/event_loop.h"
 #include "support/fake_link.h"
 #include "support/recording_notices.h"
@@ -68,6 +70,8 @@ private slots:
     void ticksGoOnInANestedEventLoop();
     void blockedWindowNeverRunsMoreThanFourTicksAtOnce();
     void linksAreReadBeforeTicksAreJudged();
+    void exchangeAfterAPauseBeginsWithOneTick();
+    void replyThatWaitsInThePortIsReadBeforeTheNextTick();
 };
 
 void TestHeartbeat::clockCountsWholeMilliseconds()
@@ -160,6 +164,61 @@ void TestHeartbeat::linksAreReadBeforeTicksAreJudged()
     bench.session.start(type);
     COMPARE_SOON(bench.step->ticks.size(), 1);
     QCOMPARE(readsAtFirstTick, 1);
+}
+
+void TestHeartbeat::exchangeAfterAPauseBeginsWithOneTick()
+{
+    Bench bench;
+    runEventLoop(30);
+    bool isSamePass = false;
+    int ticksInFirstPass = 0;
+    bench.step->onTick = [&](int tick) {
+        if (tick == 1) {
+            isSamePass = true;
+            QMetaObject::invokeMethod(
+                &bench.heartbeat, [&] { isSamePass = false; }, Qt::QueuedConnection);
+        }
+        ticksInFirstPass += isSamePass ? 1 : 0;
+        if (tick == 20)
+            bench.session.commandType = commandType::idle;
+    };
+    bench.session.start(type);
+    COMPARE_SOON(bench.session.commandType, int(commandType::idle));
+    QCOMPARE(ticksInFirstPass, 1);
+}
+
+void TestHeartbeat::replyThatWaitsInThePortIsReadBeforeTheNextTick()
+{
+    k7::PseudoTerminal terminal;
+    QVERIFY(terminal.open());
+    QtSerialLink link;
+    link.setPortName(terminal.path());
+    QVERIFY(link.open());
+    QByteArray received;
+    connect(&link, &SerialLink::readyRead, this, [&] { received += link.readAll(); });
+
+    DownloadSession session;
+    RecordingNotices notices;
+    StepDispatch dispatch(session);
+    auto step = std::make_unique<ScriptedStep>(session, link, notices);
+    QByteArray seenAtTheCheck;
+    step->onTick = [&](int tick) {
+        // The window is blocked while the reply arrives, longer than ticks are made up for.
+        if (tick == 10) {
+            terminal.write("OK");
+            QThread::msleep(50);
+        }
+        if (tick == 11) {
+            seenAtTheCheck = received;
+            session.commandType = commandType::idle;
+        }
+    };
+    dispatch.add(type, std::move(step));
+    Heartbeat heartbeat(session, dispatch, [&link] { link.poll(); });
+    heartbeat.start();
+    session.start(type);
+    COMPARE_SOON(session.commandType, int(commandType::idle));
+    QCOMPARE(seenAtTheCheck, QByteArray("OK"));
 }
 
 QTEST_GUILESS_MAIN(TestHeartbeat)

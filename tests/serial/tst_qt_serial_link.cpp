@@ -3,7 +3,11 @@
 #include "support/event_loop.h"
 
 #include <QSignalSpy>
+#include <QSocketNotifier>
+#include <QTemporaryDir>
 #include <QtTest>
+
+#include <cerrno>
 
 class TestQtSerialLink : public QObject
 {
@@ -20,6 +24,8 @@ private slots:
     void bytesFromBeforeTheOpenAreForgotten();
     void pollReadsWithoutTheEventLoop();
     void vanishedDeviceIsReportedOnceAndClosed();
+    void readThatFindsNothingIsNoLoss_data();
+    void readThatFindsNothingIsNoLoss();
 
 private:
     std::unique_ptr<k7::PseudoTerminal> m_terminal;
@@ -119,6 +125,11 @@ void TestQtSerialLink::pollReadsWithoutTheEventLoop()
 
 void TestQtSerialLink::vanishedDeviceIsReportedOnceAndClosed()
 {
+    // The system may give the name of the terminal to somebody else at once; a link of ours goes.
+    const QTemporaryDir folder;
+    const QString name = folder.filePath("port");
+    QVERIFY(QFile::link(m_terminal->path(), name));
+    m_link->setPortName(name);
     QSignalSpy lost(m_link.get(), &SerialLink::lost);
     QVERIFY(m_link->open());
     m_terminal->hangUp();
@@ -126,8 +137,41 @@ void TestQtSerialLink::vanishedDeviceIsReportedOnceAndClosed()
     QVERIFY(!m_link->isOpen());
     runEventLoop(20);
     QCOMPARE(lost.count(), 1);
+    QVERIFY(QFile::remove(name));
     QVERIFY(!m_link->open());
     QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
+}
+
+void TestQtSerialLink::readThatFindsNothingIsNoLoss_data()
+{
+    QTest::addColumn<int>("error");
+    for (const int error : {EAGAIN, EIO, EBADF, 0})
+        QTest::addRow("%d", error) << error;
+}
+
+void TestQtSerialLink::readThatFindsNothingIsNoLoss()
+{
+    QSignalSpy lost(m_link.get(), &SerialLink::lost);
+    QVERIFY(m_link->open());
+    auto *port = m_link->findChild<QSerialPort *>();
+    QVERIFY(port);
+    const auto notifiers = port->findChildren<QSocketNotifier *>();
+    QVERIFY(!notifiers.isEmpty());
+    QFETCH(const int, error);
+    for (QSocketNotifier *notifier : notifiers) {
+        if (notifier->type() != QSocketNotifier::Read)
+            continue;
+        // As the event loop does when poll() has emptied the port in between.
+        QEvent activation(QEvent::SockAct);
+        errno = error;
+        QCoreApplication::sendEvent(notifier, &activation);
+    }
+    QByteArray received;
+    connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
+    m_terminal->write("still here");
+    COMPARE_SOON(received, QByteArray("still here"));
+    QVERIFY(m_link->isOpen());
+    QCOMPARE(lost.count(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestQtSerialLink)

@@ -1,0 +1,79 @@
+#include "app/language.h"
+
+#include "app/tool_settings.h"
+
+#include <QAbstractButton>
+#include <QGroupBox>
+#include <QLabel>
+#include <QTabWidget>
+#include <QTextBrowser>
+
+const QString Language::chinese = QStringLiteral("中文");
+const QString Language::english = QStringLiteral("English");
+
+namespace {
+
+const QString languageKey = QStringLiteral("Language/Language");
+const QString chineseGroup = QStringLiteral("Chinese/");
+const QString englishGroup = QStringLiteral("English/");
+
+/// The tab widget on which `page` is a page, if it is one.
+QTabWidget *tabsOf(QWidget *page)
+{
+    QWidget *stack = page->parentWidget();
+    auto *tabs = stack ? qobject_cast<QTabWidget *>(stack->parentWidget()) : nullptr;
+    return tabs && tabs->indexOf(page) >= 0 ? tabs : nullptr;
+}
+
+void dress(QWidget *widget, const QString &text)
+{
+    if (QTabWidget *tabs = tabsOf(widget))
+        tabs->setTabText(tabs->indexOf(widget), text);
+    else if (auto *group = qobject_cast<QGroupBox *>(widget))
+        group->setTitle(text);
+    else if (auto *label = qobject_cast<QLabel *>(widget))
+        label->setText(text);
+    else if (auto *button = qobject_cast<QAbstractButton *>(widget))
+        button->setText(text);
+    else if (auto *browser = qobject_cast<QTextBrowser *>(widget))
+        browser->setPlainText(text);
+}
+
+} // namespace
+
+QStringList Caption::widgetNames() const
+{
+    return QString::fromLatin1(widgets ? widgets : key).split(',');
+}
+
+void Language::load()
+{
+    const QString stored = m_settings.text(languageKey);
+    if (stored.isEmpty())
+        seed();
+    else
+        apply(stored);
+}
+
+void Language::apply(const QString &language)
+{
+    m_isEnglish = language != chinese;
+    m_applied = language;
+    const QString &group = m_isEnglish ? englishGroup : chineseGroup;
+    for (const Caption &caption : captions()) {
+        const QString text = m_settings.text(group + caption.key);
+        for (const QString &name : caption.widgetNames())
+            if (auto *widget = m_window.findChild<QWidget *>(name))
+                dress(widget, text);
+    }
+    m_settings.setText(languageKey, language);
+}
+
+void Language::seed()
+{
+    m_settings.setText(languageKey, english);
+    for (const Caption &caption : captions()) {
+        m_settings.setText(chineseGroup + caption.key, QString::fromUtf8(caption.chinese));
+        m_settings.setText(englishGroup + caption.key, QString::fromUtf8(caption.english));
+    }
+}
