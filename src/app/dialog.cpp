@@ -16,6 +16,7 @@
 #include "serial/serial_assistant_page.h"
 #include "serial/serial_set.h"
 
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QTabWidget>
 
@@ -38,11 +39,14 @@ QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QStrin
 
 Dialog::Dialog(QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint)
+    , m_systemPorts(std::async(std::launch::async, &SerialSet::systemPorts))
     , m_settings(programFolder() + "/SystemConfig.ini")
     , m_language(*this, m_settings)
     , m_uartReplies(uartReceiveRules, m_builder, m_session.replyReceived)
     , m_ed2Replies(ed2ReceiveRules, m_builder, m_session.replyReceived)
     , m_notices(this, m_language.isEnglish())
+    , m_uartSet(new SerialSet(this))
+    , m_ed2Set(new SerialSet(this))
     , m_dispatch(m_session)
     , m_heartbeat(m_session, m_dispatch, [this] {
         m_uartPort.poll();
@@ -56,12 +60,15 @@ Dialog::Dialog(QWidget *parent)
     windowFont.setPixelSize(12);
     setFont(windowFont);
 
-    const QStringList ports = SerialSet::systemPorts();
-    for (SerialSet **set : {&m_uartSet, &m_ed2Set}) {
-        *set = new SerialSet(ports, this);
-        (*set)->setWindowTitle("Serial set");
-    }
+    for (SerialSet *set : {m_uartSet, m_ed2Set})
+        set->setWindowTitle("Serial set");
     buildPages();
+    // Some desktops give table headers a font of their own.
+    for (auto *header : findChildren<QHeaderView *>())
+        header->setFont(windowFont);
+    const QStringList systemPorts = m_systemPorts.get();
+    for (SerialSet *set : {m_uartSet, m_ed2Set})
+        set->begin(systemPorts);
 
     // The ED2 link starts at 115200: its settings are applied before its dialog shows 6250000, and
     // count once the user confirms them. That is wanted.

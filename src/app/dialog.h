@@ -14,6 +14,8 @@
 #include <QDialog>
 #include <QStringList>
 
+#include <future>
+
 class ImageConversionPage;
 class PictureDownloadPage;
 class QTabWidget;
@@ -60,6 +62,8 @@ private:
     void applyUartSettings();
     void applyEd2Settings();
 
+    /// First of all: the system takes its time to list the ports, and the rest is built meanwhile.
+    std::future<QStringList> m_systemPorts;
     ToolSettings m_settings;
     Language m_language;
     QString m_defaultFolder;
@@ -74,8 +78,8 @@ private:
     ReplyReceiver m_ed2Replies;
     TrafficLog m_trafficLog;
     MessageBoxNotices m_notices;
-    SerialSet *m_uartSet = nullptr;
-    SerialSet *m_ed2Set = nullptr;
+    SerialSet *m_uartSet;
+    SerialSet *m_ed2Set;
     QTabWidget *m_tabs = nullptr;
     ZeroFontPage *m_zeroFont = nullptr;
     SerialAssistantPage *m_assistant = nullptr;

@@ -2,10 +2,13 @@
 
 #include "ui_image_conversion_page.h"
 
+#include <QHeaderView>
+
 ImageConversionPage::ImageConversionPage(QWidget *parent)
     : QWidget(parent), m_ui(std::make_unique<Ui::ImageConversionPage>())
 {
     m_ui->setupUi(this);
+    m_ui->pictureTable->horizontalHeader()->setStretchLastSection(true);
 }
 
 ImageConversionPage::~ImageConversionPage() = default;

@@ -23,7 +23,7 @@ QSpinBox *headerBox(int value)
 
 } // namespace
 
-SerialSet::SerialSet(const QStringList &systemPorts, QWidget *parent)
+SerialSet::SerialSet(QWidget *parent)
     : QDialog(parent)
     , m_port(new QComboBox)
     , m_baud(new QComboBox)
@@ -56,6 +56,10 @@ SerialSet::SerialSet(const QStringList &systemPorts, QWidget *parent)
             &SerialSet::sreialName_activated);
 
     m_port->addItem(refresh);
+}
+
+void SerialSet::begin(const QStringList &systemPorts)
+{
     appendPorts(systemPorts);
     query_clicked();
 }

@@ -16,11 +16,15 @@ class SerialSet : public QDialog
     Q_OBJECT
 
 public:
-    /// `systemPorts` is what systemPorts() has just said: asking takes some 10 ms.
-    explicit SerialSet(const QStringList &systemPorts, QWidget *parent = nullptr);
+    /// Lists no ports yet, and nothing is confirmed.
+    explicit SerialSet(QWidget *parent = nullptr);
 
-    /// The names of the ports that the system lists, in its order.
+    /// The names of the ports that the system lists, in its order. Asking takes some 10 ms; any
+    /// thread may ask.
     static QStringList systemPorts();
+
+    /// Lists `systemPorts`, chooses the last of them, and confirms what is shown.
+    void begin(const QStringList &systemPorts);
 
     const SerialSettings &settings() const { return m_settings; }
 

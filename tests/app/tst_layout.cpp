@@ -6,10 +6,12 @@
 #include <QComboBox>
 #include <QDir>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTextBrowser>
 #include <QtTest>
@@ -92,6 +94,12 @@ void TestLayout::check(QWidget *page, QStringList &complaints) const
                                   .arg(name)
                                   .arg(captionWidth(control))
                                   .arg(control->width()));
+        if (const auto *table = qobject_cast<QTableWidget *>(control))
+            for (int c = 0; c < table->columnCount(); ++c)
+                if (table->horizontalHeaderItem(c) &&
+                    table->horizontalHeader()->fontMetrics().horizontalAdvance(
+                        table->horizontalHeaderItem(c)->text()) > table->columnWidth(c))
+                    complaints.append(QString("%1 clips the header of column %2").arg(name).arg(c));
         if (auto *browser = qobject_cast<QTextBrowser *>(control))
             if (browser->verticalScrollBar()->maximum() > 0)
                 complaints.append(name + " scrolls");

@@ -1,7 +1,5 @@
 #include "download/heartbeat.h"
 #include "download/step_dispatch.h"
-#include "serial/qt_serial_link.h"
-#include "simulator/pseudo_terminal.h"
 #include "support/event_loop.h"
 #include "support/fake_link.h"
 #include "support/recording_notices.h"
@@ -71,7 +69,6 @@ private slots:
     void blockedWindowNeverRunsMoreThanFourTicksAtOnce();
     void linksAreReadBeforeTicksAreJudged();
     void exchangeAfterAPauseBeginsWithOneTick();
-    void replyThatWaitsInThePortIsReadBeforeTheNextTick();
 };
 
 void TestHeartbeat::clockCountsWholeMilliseconds()
@@ -185,40 +182,6 @@ void TestHeartbeat::exchangeAfterAPauseBeginsWithOneTick()
     bench.session.start(type);
     COMPARE_SOON(bench.session.commandType, int(commandType::idle));
     QCOMPARE(ticksInFirstPass, 1);
-}
-
-void TestHeartbeat::replyThatWaitsInThePortIsReadBeforeTheNextTick()
-{
-    k7::PseudoTerminal terminal;
-    QVERIFY(terminal.open());
-    QtSerialLink link;
-    link.setPortName(terminal.path());
-    QVERIFY(link.open());
-    QByteArray received;
-    connect(&link, &SerialLink::readyRead, this, [&] { received += link.readAll(); });
-
-    DownloadSession session;
-    RecordingNotices notices;
-    StepDispatch dispatch(session);
-    auto step = std::make_unique<ScriptedStep>(session, link, notices);
-    QByteArray seenAtTheCheck;
-    step->onTick = [&](int tick) {
-        // The window is blocked while the reply arrives, longer than ticks are made up for.
-        if (tick == 10) {
-            terminal.write("OK");
-            QThread::msleep(50);
-        }
-        if (tick == 11) {
-            seenAtTheCheck = received;
-            session.commandType = commandType::idle;
-        }
-    };
-    dispatch.add(type, std::move(step));
-    Heartbeat heartbeat(session, dispatch, [&link] { link.poll(); });
-    heartbeat.start();
-    session.start(type);
-    COMPARE_SOON(session.commandType, int(commandType::idle));
-    QCOMPARE(seenAtTheCheck, QByteArray("OK"));
 }
 
 QTEST_GUILESS_MAIN(TestHeartbeat)

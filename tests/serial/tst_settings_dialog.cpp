@@ -44,7 +44,8 @@ private slots:
 
 void TestSettingsDialog::defaultsAreConfirmedFromTheStart()
 {
-    const SerialSet set(SerialSet::systemPorts());
+    SerialSet set;
+    set.begin(SerialSet::systemPorts());
     QCOMPARE(set.settings().baudRate, 115200);
     QCOMPARE(set.settings().header1, quint8(0x5A));
     QCOMPARE(set.settings().header2, quint8(0xA5));
@@ -56,7 +57,8 @@ void TestSettingsDialog::defaultsAreConfirmedFromTheStart()
 
 void TestSettingsDialog::onlyConfirmedEditsCount()
 {
-    SerialSet set(SerialSet::systemPorts());
+    SerialSet set;
+    set.begin(SerialSet::systemPorts());
     QSignalSpy accepted(&set, &SerialSet::accepted);
     set.show();
     comboWith(set, "460800")->setCurrentText("460800");
@@ -73,7 +75,8 @@ void TestSettingsDialog::onlyConfirmedEditsCount()
 
 void TestSettingsDialog::refreshListsThePortsAnew()
 {
-    SerialSet set(SerialSet::systemPorts());
+    SerialSet set;
+    set.begin(SerialSet::systemPorts());
     set.offerPorts({"/dev/extra"});
     QComboBox *ports = comboWith(set, "Refresh");
     ports->addItem("gone");
@@ -89,7 +92,8 @@ void TestSettingsDialog::refreshListsThePortsAnew()
 
 void TestSettingsDialog::offeredPortsStandAfterTheListedOnes()
 {
-    SerialSet set(SerialSet::systemPorts());
+    SerialSet set;
+    set.begin(SerialSet::systemPorts());
     set.offerPorts({"/dev/one", "/dev/two"});
     QComboBox *ports = comboWith(set, "Refresh");
     QCOMPARE(ports->itemText(ports->count() - 2), QString("/dev/one"));
