@@ -40,6 +40,7 @@ DevicePage::DevicePage(const PageContext &context, SerialAssistantPage &assistan
          {m_ui->label_26, m_ui->label_27, m_ui->label_16, m_ui->label, m_ui->label_2})
         label->hide();
 
+    makeRadioGroup({m_ui->renewalPageNow, m_ui->renewalPageID}, 0, this);
     m_sdStatus = makeRadioGroup({m_ui->sdStatusClose_2, m_ui->sdStatusOpen_2}, 1, this);
     m_touchVoice = makeRadioGroup({m_ui->touchVoiceClose_2, m_ui->touchVoiceOpen_2}, 1, this);
     m_touchLight = makeRadioGroup({m_ui->touchLightClose_2, m_ui->touchLightOpen_2}, 0, this);

@@ -4,12 +4,16 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QButtonGroup>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSettings>
+#include <QSpinBox>
 #include <QTabWidget>
+#include <QTableWidget>
 #include <QTextBrowser>
 #include <QtTest>
 
@@ -57,6 +61,9 @@ private slots:
     void textsAreReadAtEverySwitch();
     void selectorIgnoresOtherTexts();
     void messagesFollowTheLanguage();
+    void pagesBeginInTheirStates();
+    void radioButtonsBeginAsTheModuleDoes_data();
+    void radioButtonsBeginAsTheModuleDoes();
     void listedResolutionsAreOffered();
     void resolutionTextIsShown();
     void initialTabIsRead_data();
@@ -253,6 +260,54 @@ void TestLanguage::messagesFollowTheLanguage()
     m_dialog->selectLanguage("English");
     find<QPushButton>("readVersion")->click();
     QTRY_COMPARE(boxes.texts.last(), QString("Serial opening failed !"));
+}
+
+void TestLanguage::pagesBeginInTheirStates()
+{
+    start();
+    for (const char *name : {"creatIcoFile", "addIcoFile", "replaceIcoFile"})
+        QVERIFY2(!find(name)->isEnabled(), name);
+    const auto *characters = find<QComboBox>("comboBox");
+    QCOMPARE(characters->count(), 96);
+    QCOMPARE(characters->itemText(0), QString(" "));
+    QCOMPARE(characters->currentText(), QString("A"));
+    QCOMPARE(find<QTableWidget>("displayPicture")->columnCount(), 10);
+    QCOMPARE(find<QTableWidget>("ICOFileTable")->columnWidth(1), 400);
+    QCOMPARE(find<QTableWidget>("fontPath")->columnWidth(1), 600);
+    QCOMPARE(find<QTableWidget>("picturePath")->columnWidth(1), 600);
+    const auto *crcTable = find<QTableWidget>("crcTableWidget");
+    QCOMPARE(crcTable->columnWidth(0), 260);
+    QCOMPARE(crcTable->columnWidth(3), 100);
+    QCOMPARE(find<QComboBox>("K7UISize")->count(), 7);
+    QCOMPARE(find<QSpinBox>("baudRateSet")->value(), 115200);
+    QCOMPARE(find<QComboBox>("scaleMultiple")->currentText(), QString("100%"));
+}
+
+void TestLanguage::radioButtonsBeginAsTheModuleDoes_data()
+{
+    QTest::addColumn<QString>("checked");
+    for (const char *name :
+         {"uartCalibration",     "notAutoUp",           "pageNumber64",
+          "load22File",          "sdStatusOpen",        "touchVoiceOpen",
+          "touchLightClose",     "displayDirection0",   "pclkFallingEdge",
+          "capacitanceTouch",    "touchMinToXmax",      "touchMinToYmax",
+          "touchExchangeXY",     "sdEncryptionNotSet",  "buzzerSoundMusic",
+          "enableUartCrcClose",  "enableWatchDogClose", "enableSynchronizationUpdateClose",
+          "sdStatusOpen_2",      "touchVoiceOpen_2",    "touchLightClose_2",
+          "displayDirection0_2", "renewalPageNow"})
+        QTest::newRow(name) << QString(name);
+}
+
+void TestLanguage::radioButtonsBeginAsTheModuleDoes()
+{
+    start();
+    QFETCH(const QString, checked);
+    const auto *button = find<QRadioButton>(checked);
+    QVERIFY(button->isChecked());
+    for (const auto *other : button->parentWidget()->findChildren<QRadioButton *>(
+             QString(), Qt::FindDirectChildrenOnly))
+        if (button->group() && other->group() == button->group())
+            QCOMPARE(other->isChecked(), other == button);
 }
 
 void TestLanguage::listedResolutionsAreOffered()
