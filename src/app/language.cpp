@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QGroupBox>
+#include <QHash>
 #include <QLabel>
 #include <QTabWidget>
 #include <QTextBrowser>
@@ -59,11 +60,14 @@ void Language::apply(const QString &language)
 {
     m_isEnglish = language != chinese;
     m_applied = language;
+    QHash<QString, QWidget *> widgets;
+    for (auto *widget : m_window.findChildren<QWidget *>())
+        widgets.insert(widget->objectName(), widget);
     const QString &group = m_isEnglish ? englishGroup : chineseGroup;
     for (const Caption &caption : captions()) {
         const QString text = m_settings.text(group + caption.key);
         for (const QString &name : caption.widgetNames())
-            if (auto *widget = m_window.findChild<QWidget *>(name))
+            if (QWidget *widget = widgets.value(name))
                 dress(widget, text);
     }
     m_settings.setText(languageKey, language);
