@@ -70,7 +70,7 @@ const QVector<Caption> &captions()
         {"openJpgFile", "打开JPG文件", "Open JPG file"},
         {"downloadJpgFile", "下载JPG", "Download JPG"},
         {"renewalPageNow", "显示到当前页面", "Show on the current page"},
-        {"renewalPageID", "按图片编号更新", "Store under a picture ID"},
+        {"renewalPageID", "按图片编号保存", "Store under a picture ID"},
         {"jpgCoordinateLabel", "坐标", "Position"},
         {"jpgPictureIdLabel", "图片编号", "Picture ID"},
         {"readDeviceID", "读取设备ID(&D)", "Read &device ID"},

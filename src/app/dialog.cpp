@@ -157,10 +157,6 @@ void Dialog::buildPages()
     m_zeroFont = new ZeroFontPage;
     connect(m_zeroFont, &ZeroFontPage::languageChosen, this,
             [this](const QString &language) { m_language.apply(language); });
-    connect(m_zeroFont, &ZeroFontPage::shownLanguageChosen, this, [this](const QString &language) {
-        if (language != m_language.applied())
-            m_language.apply(language);
-    });
     m_tabs->addTab(m_zeroFont, "Creat zero font library");
     QTabWidget *ico = addInnerTabs(m_tabs, "creatICOTab", "ICO Manager", "tabWidgetICO");
     ico->addTab(new IcoGeneratorPage, "ICO File Generator");

@@ -42,6 +42,8 @@ public:
     const QString &language() const { return m_language.applied(); }
     /// Chooses "English" or "中文", and applies it; any other text is ignored.
     void selectLanguage(const QString &language);
+    /// Applies any stored text as a language, without choosing it.
+    void applyLanguage(const QString &language) { m_language.apply(language); }
 
     /// Offers `ports` in both settings dialogs after the ports that the system lists, and uses the
     /// last of them, as if the system had listed it last.

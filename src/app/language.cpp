@@ -58,6 +58,7 @@ void Language::load()
 
 void Language::apply(const QString &language)
 {
+    m_settings.refresh();
     m_isEnglish = language != chinese;
     m_applied = language;
     QHash<QString, QWidget *> widgets;

@@ -45,6 +45,7 @@ bool saveScreenshots(Dialog &dialog, const QDir &folder)
         dialog.selectLanguage(language);
         saved = savePages(dialog, tabs, folder, suffix) && saved;
     }
-    dialog.selectLanguage(before);
+    if (!before.isEmpty())
+        dialog.applyLanguage(before);
     return saved;
 }

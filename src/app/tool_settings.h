@@ -26,10 +26,12 @@ public:
     void rememberImageFiles(const QStringList &paths);
 
     /// The screen resolutions that the file lists, such as "480X272"; entries that it promises and
-    /// lacks are empty. When it lists none the defaults are written for the next start, and the
-    /// list is empty.
+    /// lacks are empty, and 1000 count at most. When it lists none the defaults are written for the
+    /// next start, and the list is empty.
     QStringList loadResolutions();
 
+    /// Takes in what was edited in the file meanwhile.
+    void refresh() { m_store.sync(); }
     QString text(const QString &key) const { return m_store.value(key).toString(); }
     void setText(const QString &key, const QString &text) { m_store.setValue(key, text); }
 

@@ -1,12 +1,13 @@
 #include "common/program_folder.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QStandardPaths>
+#include <QTemporaryFile>
 
 QString programFolder(const QString &executableFolder)
 {
-    if (QFileInfo(executableFolder).isWritable())
+    // Only a try tells: permissions alone say nothing about read-only disks and protected folders.
+    if (QTemporaryFile(executableFolder + "/XXXXXX").open())
         return executableFolder;
     const QString own = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
     QDir().mkpath(own);

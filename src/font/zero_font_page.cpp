@@ -2,6 +2,8 @@
 
 #include "ui_zero_font_page.h"
 
+#include <QTimer>
+
 ZeroFontPage::ZeroFontPage(QWidget *parent)
     : QWidget(parent), m_ui(std::make_unique<Ui::ZeroFontPage>())
 {
@@ -19,14 +21,20 @@ void ZeroFontPage::selectLanguage(const QString &language)
         emit languageChosen(language);
     else
         m_ui->systemLanguage->setCurrentText(language);
+    m_isTextChangeReported = false;
 }
 
 void ZeroFontPage::on_systemLanguage_currentTextChanged(const QString &language)
 {
+    // When the user chooses another entry, this comes first and activated() at once afterwards.
+    m_isTextChangeReported = true;
+    QTimer::singleShot(0, this, [this] { m_isTextChangeReported = false; });
     emit languageChosen(language);
 }
 
 void ZeroFontPage::on_systemLanguage_activated(const QString &language)
 {
-    emit shownLanguageChosen(language);
+    if (!m_isTextChangeReported)
+        emit languageChosen(language);
+    m_isTextChangeReported = false;
 }

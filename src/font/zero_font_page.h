@@ -21,11 +21,9 @@ public:
     void selectLanguage(const QString &language);
 
 signals:
-    /// The user asked for `language`.
+    /// The user asked for `language`, be it the one that is shown already: a window that started in
+    /// a stored language shows an entry that may not be the language it has.
     void languageChosen(const QString &language);
-    /// The user chose the entry that is shown already. A window that started in a stored language
-    /// shows an entry that may not be the language it has.
-    void shownLanguageChosen(const QString &language);
 
 private slots:
     void on_systemLanguage_currentTextChanged(const QString &language);
@@ -33,4 +31,5 @@ private slots:
 
 private:
     std::unique_ptr<Ui::ZeroFontPage> m_ui;
+    bool m_isTextChangeReported = false; ///< the choice that is under way was asked for already
 };

@@ -6,6 +6,7 @@
 #include <QAbstractItemView>
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QDir>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -52,6 +53,8 @@ private slots:
     void init();
     void cleanup();
     void everyCaptionHasBothTextsAndItsWidgets();
+    void knownTextsStandAsTheyAre_data();
+    void knownTextsStandAsTheyAre();
     void builtInCaptionsAreTheEnglishOnes();
     void firstStartWritesEverythingAndChangesNothing();
     void eachKeyDressesExactlyItsWidgets();
@@ -59,7 +62,9 @@ private slots:
     void storedLanguageIsAppliedAtTheStart();
     void shownEntryCanBeChosenAgain();
     void textsAreReadAtEverySwitch();
+    void editsOfTheFileShowAtTheNextChoice();
     void selectorIgnoresOtherTexts();
+    void unwritableSettingsFileIsNoHindrance();
     void messagesFollowTheLanguage();
     void pagesBeginInTheirStates();
     void radioButtonsBeginAsTheModuleDoes_data();
@@ -131,6 +136,64 @@ void TestLanguage::everyCaptionHasBothTextsAndItsWidgets()
     }
     QCOMPARE(keys.size(), 149);
     QCOMPARE(widgets.size(), 150);
+}
+
+void TestLanguage::knownTextsStandAsTheyAre_data()
+{
+    QTest::addColumn<QString>("widget");
+    QTest::addColumn<QString>("chinese"); // empty where it is free
+    QTest::addColumn<QString>("english");
+    const auto row = [](const char *key, const char *widget, const char *chinese,
+                        const char *english) {
+        QTest::newRow(key) << QString(widget) << QString(chinese) << QString(english);
+    };
+    row("ZeroFontTab", "ZeroFont", "0号字库生成工具", "Creat zero font library");
+    row("systemLanguageLabel", "systemLanguageLabel", "系统语言", "System Language");
+    row("serialDownload", "tab", "串口2通信", "Uart2 Communication");
+    row("serialAssistant", "tab_4", "VORA串口助手", "VORA Serial Assistant");
+    row("resetK7", "resetK7", "复位K7", "Reset K7");
+    row("uart2Dwonload", "tab_9", "串口2通信", "Uart2 Communication");
+    row("ed2Download", "tab_2", "ED2通信", "ED2 Communication");
+    row("fontFileDownload", "tab_10", "", "Fonts And Bin File Download");
+    row("imageDownload", "tab_11", "", "Image Download");
+    row("ed2DownloadExplain", "ed2DownloadExplain", "当前下载方式为ED2，波特率必须是6250000",
+        "The current download mode is ED2， and the baud rate must be 6250000");
+    row("filiterBackColor", "filiterBackColor", "过滤背景色", "filiter background color");
+    row("systemConfigTab", "tab_7", "系统参数配置", "System configuration");
+    row("imageConversionTab", "tab_8", "", "Image conversion");
+    row("nomalLightLabel", "nomalLightLabel", "正常亮度", "Normal");
+    row("sdEncryption", "sdEncryption", "SD加密设置", "SD Card Encryption Settings");
+    row("encryptionLock", "encryptionLock", "加密", "Encryption");
+    row("openCfgFile", "openCfgFile", "打开配置文件", "Open configuration file");
+    row("createCfgFile", "createCfgFile", "生成新文件", "Create new file");
+    row("addCfgFile", "addCfgFile", "增加到旧文件", "Add to old file");
+    row("imagesConversion", "imagesConversion", "图片转换", "Images Conversion");
+    row("reNameImageConversion", "reNameImageConversion", "转换图片重新命名",
+        "ReName Images Conversion");
+    row("creatICOTab", "creatICOTab", "ICO管理", "ICO Manager");
+    row("creatICO", "creatIco", "创建ICO", "ICO File Generator");
+    row("PreviewOfICO", "tab_3", "", "Preview Of ICO File");
+    row("creatIcoFile", "creatIcoFile", "创建ICO文件", "Generate ICO File");
+    row("addIcoFile", "addIcoFile", "增加到ICO文件", "Add to ICO File");
+    row("replaceIcoFile", "replaceIcoFile", "替换到ICO文件", "Replace to ICO File");
+    row("OpenIcoFile", "OpenIcoFile", "打开ICO文件", "Open ICO File");
+    row("crcCheck", "tab_5", "CRC校验", "CRC_Check");
+    row("crcOpenFolder", "openFolder", "打开文件夹", "Open Folder");
+    row("crcOpenFile", "openFile", "打开文件", "Open File");
+    row("crcCompareCheck", "compareCheck", "对比校验", "Compare Check");
+}
+
+void TestLanguage::knownTextsStandAsTheyAre()
+{
+    start();
+    QFETCH(const QString, widget);
+    QFETCH(const QString, chinese);
+    m_dialog->selectLanguage("English");
+    QTEST(caption(widget), "english");
+    QCOMPARE(stored(QString("English/") + QTest::currentDataTag()), caption(widget));
+    m_dialog->selectLanguage("中文");
+    if (!chinese.isEmpty())
+        QCOMPARE(caption(widget), chinese);
 }
 
 void TestLanguage::builtInCaptionsAreTheEnglishOnes()
@@ -237,6 +300,28 @@ void TestLanguage::textsAreReadAtEverySwitch()
     QCOMPARE(caption("resetSystem"), QString());
 }
 
+void TestLanguage::editsOfTheFileShowAtTheNextChoice()
+{
+    start();
+    m_dialog->selectLanguage("English");
+    QCOMPARE(caption("resetK7"), QString("Reset K7"));
+    QCoreApplication::sendPostedEvents();
+    QFile file(settingsFile());
+    QTRY_VERIFY(file.size() > 5000);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    const QByteArray edited =
+        file.readAll().replace("resetK7=Reset K7", "resetK7=Reset the module");
+    file.seek(0);
+    QCOMPARE(file.write(edited), edited.size());
+    file.close();
+    // The entry that is shown already, as a person chooses it.
+    m_dialog->show();
+    auto *combo = find<QComboBox>("systemLanguage");
+    QTest::keyClick(combo, Qt::Key_Space);
+    QTest::keyClick(combo->view(), Qt::Key_Enter);
+    QCOMPARE(caption("resetK7"), QString("Reset the module"));
+}
+
 void TestLanguage::selectorIgnoresOtherTexts()
 {
     start();
@@ -247,6 +332,18 @@ void TestLanguage::selectorIgnoresOtherTexts()
     m_dialog->selectLanguage("中文");
     QCOMPARE(find<QComboBox>("systemLanguage")->currentText(), QString("中文"));
     QCOMPARE(caption("tab_2"), QString("ED2通信"));
+}
+
+void TestLanguage::unwritableSettingsFileIsNoHindrance()
+{
+    // A folder in its place can neither be read nor written, whoever asks.
+    QVERIFY(QDir().mkpath(settingsFile()));
+    start();
+    QCOMPARE(caption("resetK7"), QString("Reset K7"));
+    m_dialog->selectLanguage("中文");
+    QCOMPARE(m_dialog->language(), QString("中文"));
+    QCOMPARE(caption("resetK7"), QString("复位K7"));
+    QVERIFY(QDir().rmdir(settingsFile()));
 }
 
 void TestLanguage::messagesFollowTheLanguage()
@@ -285,29 +382,47 @@ void TestLanguage::pagesBeginInTheirStates()
 
 void TestLanguage::radioButtonsBeginAsTheModuleDoes_data()
 {
-    QTest::addColumn<QString>("checked");
-    for (const char *name :
-         {"uartCalibration",     "notAutoUp",           "pageNumber64",
-          "load22File",          "sdStatusOpen",        "touchVoiceOpen",
-          "touchLightClose",     "displayDirection0",   "pclkFallingEdge",
-          "capacitanceTouch",    "touchMinToXmax",      "touchMinToYmax",
-          "touchExchangeXY",     "sdEncryptionNotSet",  "buzzerSoundMusic",
-          "enableUartCrcClose",  "enableWatchDogClose", "enableSynchronizationUpdateClose",
-          "sdStatusOpen_2",      "touchVoiceOpen_2",    "touchLightClose_2",
-          "displayDirection0_2", "renewalPageNow"})
-        QTest::newRow(name) << QString(name);
+    // In the order of their ids; the star marks the checked one.
+    QTest::addColumn<QString>("buttons");
+    for (const char *buttons :
+         {"uartCalibration* rtcCalibration",
+          "notAutoUp* autoUp",
+          "pageNumber64* pageNumber128",
+          "notLoad22File load22File*",
+          "sdStatusClose sdStatusOpen*",
+          "touchVoiceClose touchVoiceOpen*",
+          "touchLightClose* touchLightOpen",
+          "displayDirection0* displayDirection90 displayDirection180 displayDirection270",
+          "pclkFallingEdge* pclkRisingEdge",
+          "resistanceTouch capacitanceTouch*",
+          "touchMinToXmax* touchXmaxToMin",
+          "touchMinToYmax* touchYmaxToMin",
+          "touchExchangeXY* touchExchangeYX",
+          "sdEncryptionNotSet* encryptionLock encryptionUnlock",
+          "buzzerSoundMusic* buzzerSoundBuzzer",
+          "enableUartCrcClose* enableUartCrcOpen",
+          "enableWatchDogClose* enableWatchDogOpen",
+          "enableSynchronizationUpdateClose* enableSynchronizationUpdateOpen",
+          "sdStatusClose_2 sdStatusOpen_2*",
+          "touchVoiceClose_2 touchVoiceOpen_2*",
+          "touchLightClose_2* touchLightOpen_2",
+          "displayDirection0_2* displayDirection90_2 displayDirection180_2 displayDirection270_2",
+          "renewalPageNow* renewalPageID"})
+        QTest::newRow(buttons) << QString(buttons);
 }
 
 void TestLanguage::radioButtonsBeginAsTheModuleDoes()
 {
     start();
-    QFETCH(const QString, checked);
-    const auto *button = find<QRadioButton>(checked);
-    QVERIFY(button->isChecked());
-    for (const auto *other : button->parentWidget()->findChildren<QRadioButton *>(
-             QString(), Qt::FindDirectChildrenOnly))
-        if (button->group() && other->group() == button->group())
-            QCOMPARE(other->isChecked(), other == button);
+    QFETCH(const QString, buttons);
+    QString found;
+    const QString first = buttons.section(' ', 0, 0).remove('*');
+    const QButtonGroup *group = find<QRadioButton>(first)->group();
+    QVERIFY(group);
+    for (int id = 0; group->button(id); ++id)
+        found += (id > 0 ? " " : "") + group->button(id)->objectName() +
+                 (group->checkedId() == id ? "*" : "");
+    QCOMPARE(found, buttons);
 }
 
 void TestLanguage::listedResolutionsAreOffered()

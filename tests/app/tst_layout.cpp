@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QScrollBar>
+#include <QSpinBox>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableWidget>
@@ -53,6 +54,13 @@ int captionWidth(QWidget *widget)
         return label->text().isEmpty() || label->wordWrap() ? 0 : label->sizeHint().width();
     if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QComboBox *>(widget))
         return widget->minimumSizeHint().width();
+    if (const auto *spin = qobject_cast<QSpinBox *>(widget)) {
+        constexpr int arrows = 24;
+        return arrows +
+               spin->fontMetrics().horizontalAdvance(
+                   spin->prefix() + QString::number(spin->maximum(), spin->displayIntegerBase()) +
+                   spin->suffix());
+    }
     if (const auto *group = qobject_cast<QGroupBox *>(widget))
         return group->fontMetrics().horizontalAdvance(group->title());
     return 0;
@@ -129,6 +137,12 @@ void TestLayout::nothingIsClippedOverlapsOrLeavesItsParent()
                 continue;
             ++pages;
             check(tabs->widget(i), complaints);
+            // The serial assistant has a layout for each command kind.
+            if (auto *kinds = tabs->widget(i)->findChild<QComboBox *>("serialCmd"))
+                for (int kind = 1; kind < kinds->count(); ++kind) {
+                    kinds->setCurrentIndex(kind);
+                    check(tabs->widget(i), complaints);
+                }
         }
     }
     QCOMPARE(pages, 10);
