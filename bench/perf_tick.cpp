@@ -38,7 +38,7 @@ private:
 
 class SilentNotices final : public Notices
 {
-    void warn(const Text &, const Text *) override {}
+    void warn(const Text &, const Text *, const QString &) override {}
 };
 
 void measureTicks()

@@ -15,6 +15,19 @@ namespace {
 
 constexpr char acknowledgement[] = "OK";
 
+// Control registers of ED2 downloads, and what starts one.
+constexpr quint8 flashControl = 0xF3;
+constexpr quint8 pictureControl = 0xF5;
+constexpr quint8 startMarker = 0x5A;
+/// No screen has larger pictures.
+constexpr int maxPictureBytes = 64 * 1024 * 1024;
+
+bool isHandshake(const QByteArray &bytes)
+{
+    return (bytes.size() == 7 && bytes.startsWith(QByteArray::fromHex("5AA50480F35A"))) ||
+           (bytes.size() == 9 && bytes.startsWith(QByteArray::fromHex("5AA50680F55A01")));
+}
+
 QString counted(int count, const char *unit)
 {
     return QString::asprintf("%d %s%s", count, unit, count == 1 ? "" : "s");
@@ -29,6 +42,10 @@ Module::Module(const FrameFormat &format)
 
 QByteArrayList Module::receive(Link link, const QByteArray &bytes)
 {
+    if (link == Link::Ed2 && m_download.target != Download::Target::None && !isHandshake(bytes)) {
+        storeDownload(bytes);
+        return {};
+    }
     FrameFinder &frames = link == Link::Uart2 ? m_uartFrames : m_ed2Frames;
     frames.append(bytes);
     QByteArrayList replies;
@@ -44,6 +61,38 @@ void Module::dropUnfinishedFrames()
 {
     m_uartFrames.clear();
     m_ed2Frames.clear();
+    m_download = {};
+}
+
+/// Block numbers stand in the last byte of both handshakes.
+void Module::beginDownload(const QByteArray &handshake)
+{
+    m_download = {};
+    const bool isFlash = byteAt(handshake, 0) == flashControl && handshake.size() == 3;
+    const bool isPicture = byteAt(handshake, 0) == pictureControl && handshake.size() == 5;
+    if ((!isFlash && !isPicture) || byteAt(handshake, 1) != startMarker)
+        return;
+    m_download.number = byteAt(handshake, handshake.size() - 1);
+    m_download.target = isFlash ? Download::Target::Flash : Download::Target::Picture;
+    if (isFlash)
+        m_state.flash.write(m_download.number * Flash::blockBytes,
+                            QByteArray(Flash::blockBytes, '\xFF'));
+    else
+        m_state.pictures[m_download.number].clear();
+}
+
+void Module::storeDownload(const QByteArray &bytes)
+{
+    if (m_download.target == Download::Target::Picture) {
+        QByteArray &picture = m_state.pictures[m_download.number];
+        picture.append(bytes.left(maxPictureBytes - picture.size()));
+        return;
+    }
+    const QByteArray taken = bytes.left(Flash::blockBytes - m_download.received);
+    m_state.flash.write(m_download.number * Flash::blockBytes + m_download.received, taken);
+    m_download.received += taken.size();
+    if (m_download.received == Flash::blockBytes)
+        m_download = {};
 }
 
 QByteArray Module::answer(Link link, const QByteArray &frame)
@@ -116,6 +165,7 @@ Module::Outcome Module::writeControl(const QByteArray &body)
 {
     const QByteArray data = body.mid(1);
     storeRegisters(0, byteAt(body, 0), data);
+    beginDownload(body);
     return {QString::asprintf("write control 0x%02X, ", byteAt(body, 0)) +
                 counted(data.size(), "byte"),
             acknowledgement};

@@ -33,9 +33,13 @@ public:
     ///
     /// A read reply holds as many words or bytes as exist and fit into one frame, and its count
     /// byte tells how many. What a write puts beyond the end of its memory is dropped.
+    ///
+    /// On ED2 a handshake announces raw bytes: those of a flash block, which is erased first, or of
+    /// a picture. They end when the block is full, or with the next handshake; the tool sends that
+    /// in one piece and long after the bytes, so a piece that is a handshake is none of them.
     QByteArrayList receive(Link link, const QByteArray &bytes);
 
-    /// Drops what has arrived of unfinished frames, as when the links are unplugged.
+    /// Drops what has arrived of unfinished frames and blocks, as when the links are unplugged.
     void dropUnfinishedFrames();
 
     /// `trace` gets one line, without a line break, for each frame that was understood.
@@ -48,6 +52,7 @@ public:
     /// Prepares a word; unlike a write by the tool it starts nothing.
     void setVp(quint16 address, quint16 value) { m_state.vp[address] = value; }
     const Flash &flash() const { return m_state.flash; }
+    const QMap<int, QByteArray> &pictures() const { return m_state.pictures; }
     /// Samples of channel 0 to 7, oldest first; empty for any other.
     QVector<quint16> curve(int channel) const;
     Music music() const { return m_state.music; }
@@ -80,12 +85,23 @@ private:
     Outcome appendCurves(const QByteArray &body);
     Outcome systemCommand(const QByteArray &body);
 
+    /// What the raw bytes of the ED2 link belong to at the moment.
+    struct Download
+    {
+        enum class Target { None, Flash, Picture } target = Target::None;
+        int number = 0;
+        int received = 0;
+    };
+
+    void beginDownload(const QByteArray &handshake);
+    void storeDownload(const QByteArray &bytes);
     void storeRegisters(int page, int address, const QByteArray &data);
 
     const FrameFormat m_format;
     FrameFinder m_uartFrames;
     FrameFinder m_ed2Frames;
     ModuleState m_state;
+    Download m_download;
     Trace m_trace;
 };
 

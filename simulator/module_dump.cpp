@@ -51,6 +51,9 @@ bool dump(const Module &module, const QDir &folder)
         written =
             written && writeFile(folder, QString::asprintf("flash_%03d.bin", block),
                                  module.flash().read(block * Flash::blockBytes, Flash::blockBytes));
+    for (auto it = module.pictures().begin(); it != module.pictures().end(); ++it)
+        written = written &&
+                  writeFile(folder, QString::asprintf("picture_%03d.bin", it.key()), it.value());
     for (int channel = 0; channel < FrameBuilder::channels; ++channel) {
         const QVector<quint16> samples = module.curve(channel);
         if (!samples.isEmpty())

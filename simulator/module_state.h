@@ -3,6 +3,7 @@
 #include "serial/frame_builder.h"
 #include "simulator/flash.h"
 
+#include <QMap>
 #include <QVector>
 
 #include <array>
@@ -27,6 +28,8 @@ struct ModuleState
     std::array<quint8, FrameBuilder::registerPages * FrameBuilder::registersPerPage> registers{};
     QVector<quint16> vp; // always the full 0x10000 words
     Flash flash;
+    /// Downloaded pictures by their number, as RGB565 bytes.
+    QMap<int, QByteArray> pictures;
     std::array<QVector<quint16>, FrameBuilder::channels> curves;
     Music music;
     quint8 systemArgument = 0; // of the last system command

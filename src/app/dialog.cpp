@@ -45,6 +45,7 @@ Dialog::Dialog(QWidget *parent)
     , m_uartReplies(uartReceiveRules, m_builder, m_session.replyReceived)
     , m_ed2Replies(ed2ReceiveRules, m_builder, m_session.replyReceived)
     , m_notices(this, m_language.isEnglish())
+    , m_fileDialogs(this)
     , m_uartSet(new SerialSet(this))
     , m_ed2Set(new SerialSet(this))
     , m_dispatch(m_session)
@@ -147,8 +148,10 @@ void Dialog::keyPressEvent(QKeyEvent *event)
 
 void Dialog::buildPages()
 {
-    const PageContext context{m_session,    m_builder,  m_uartReplies, m_ed2Replies,
-                              m_trafficLog, *m_uartSet, *m_ed2Set,     m_notices};
+    const PageContext context{m_session,    m_builder,      m_uartReplies, m_ed2Replies,
+                              m_trafficLog, m_uartPort,     m_ed2Port,     *m_uartSet,
+                              *m_ed2Set,    m_notices,      m_fileDialogs, m_settings,
+                              m_dispatch,   m_defaultFolder};
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName("tabWidget");
@@ -168,7 +171,7 @@ void Dialog::buildPages()
     uart->addTab(new DevicePage(context, *m_assistant), "Uart2 Communication");
 
     QTabWidget *ed2 = addInnerTabs(m_tabs, "tab_2", "ED2 Communication", "tabWidgetEd2");
-    ed2->addTab(new FontDownloadPage, "Fonts And Bin File Download");
+    ed2->addTab(new FontDownloadPage(context), "Fonts And Bin File Download");
     m_pictureDownload = new PictureDownloadPage(context);
     ed2->addTab(m_pictureDownload, "Image Download");
 

@@ -2,7 +2,8 @@
 
 #include "app/language.h"
 #include "app/message_box_notices.h"
-#include "app/tool_settings.h"
+#include "app/widget_file_dialogs.h"
+#include "common/tool_settings.h"
 #include "download/download_session.h"
 #include "download/heartbeat.h"
 #include "download/step_dispatch.h"
@@ -80,6 +81,7 @@ private:
     ReplyReceiver m_ed2Replies;
     TrafficLog m_trafficLog;
     MessageBoxNotices m_notices;
+    WidgetFileDialogs m_fileDialogs;
     SerialSet *m_uartSet;
     SerialSet *m_ed2Set;
     QTabWidget *m_tabs = nullptr;

@@ -1,6 +1,6 @@
 #include "app/language.h"
 
-#include "app/tool_settings.h"
+#include "common/tool_settings.h"
 
 #include <QAbstractButton>
 #include <QGroupBox>

@@ -2,10 +2,11 @@
 
 #include <QMessageBox>
 
-void MessageBoxNotices::warn(const Text &text, const Text *detail)
+void MessageBoxNotices::warn(const Text &text, const Text *detail, const QString &argument)
 {
-    QMessageBox box(QMessageBox::Warning, texts::boxTitle, text.in(m_isEnglish), QMessageBox::Ok,
-                    m_parent);
+    const QString shown = text.in(m_isEnglish);
+    QMessageBox box(QMessageBox::Warning, texts::boxTitle,
+                    argument.isNull() ? shown : shown.arg(argument), QMessageBox::Ok, m_parent);
     if (detail)
         box.setInformativeText(detail->in(m_isEnglish));
     box.exec();

@@ -14,7 +14,7 @@ public:
     {
     }
 
-    void warn(const Text &text, const Text *detail) override;
+    void warn(const Text &text, const Text *detail, const QString &argument) override;
 
 private:
     QWidget *m_parent;

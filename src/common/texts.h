@@ -22,6 +22,12 @@ inline constexpr Text serialOpeningFailed{"Serial opening failed !", "串口打�
 inline constexpr Text communicationFailure{"Communication failure !", "通信失败！"};
 inline constexpr Text dataNotMeetRequirements{"The data do not meet the requirements !",
                                               "数据不符合要求！"};
+inline constexpr Text downloadComplete{"The download is complete !", "下载完成！"};
+inline constexpr Text notSelectFile{"Not select file !", "未选中文件 !"};
+/// %1 is the number of the row.
+inline constexpr Text rowIsNotNumber{"The %1 row position is not number !", "%1 行不是数字 !"};
+inline constexpr Text fileIsNotPicture{"The file is not picture !", "该文件不是图片！"};
+inline constexpr Text screenSizeError{"The srceen size error !", "尺寸错误！"};
 
 // Why a port could not be opened, shown below serialOpeningFailed.
 inline constexpr Text noSuchPort{

@@ -10,6 +10,8 @@ inline constexpr int readVp = 8;
 inline constexpr int systemReset = 10;
 inline constexpr int writeVp = 11;
 inline constexpr int writeRegister = 12;
+inline constexpr int fontDownload = 13;
+inline constexpr int pictureDownload = 14;
 inline constexpr int curve = 15;
 inline constexpr int freeForm = 16;
 } // namespace commandType

@@ -2,11 +2,128 @@
 
 #include "ui_font_download_page.h"
 
-FontDownloadPage::FontDownloadPage(QWidget *parent)
-    : QWidget(parent), m_ui(std::make_unique<Ui::FontDownloadPage>())
+#include "common/file_dialogs.h"
+#include "common/notices.h"
+#include "common/tool_settings.h"
+#include "download/block_download.h"
+#include "download/download_table.h"
+#include "download/step_dispatch.h"
+
+#include <QFile>
+
+namespace {
+
+constexpr int blockBytes = 256 * 1024;
+
+/// `content` from flash block `position` on; an empty file takes one empty block.
+void appendBlocks(QVector<BlockDownload::Block> &blocks, int position, const QByteArray &content)
+{
+    // Block numbers go on the wire as their low 8 bits.
+    auto number = static_cast<quint8>(position);
+    int offset = 0;
+    do {
+        blocks.append({number++, content.mid(offset, blockBytes)});
+        offset += blockBytes;
+    } while (offset < content.size());
+}
+
+} // namespace
+
+FontDownloadPage::FontDownloadPage(const PageContext &context, QWidget *parent)
+    : QWidget(parent), m_context(context), m_ui(std::make_unique<Ui::FontDownloadPage>())
 {
     m_ui->setupUi(this);
     m_ui->fontPath->setColumnWidth(1, 600);
+
+    auto download = std::make_unique<BlockDownload>(
+        context.session, context.ed2Port, context.notices, BlockDownload::fonts(),
+        [] { return BlockDownload::fontEndTick; },
+        [this](int percent) { m_ui->fontProgressBar->setValue(percent); });
+    m_download = download.get();
+    context.dispatch.add(commandType::fontDownload, std::move(download));
 }
 
 FontDownloadPage::~FontDownloadPage() = default;
+
+void FontDownloadPage::on_chooseFontFile_clicked()
+{
+    const QStringList paths =
+        m_context.fileDialogs.openFiles(m_context.settings.fontFolder(), "*.ICO;*.bin;*.hzk;*.dzk");
+    if (paths.isEmpty())
+        return;
+    m_context.settings.rememberFontFiles(paths);
+    for (const QString &path : paths)
+        m_list.append(path);
+    showList();
+}
+
+void FontDownloadPage::on_deleteFontFile_clicked()
+{
+    const auto row = downloadTable::selectedRow(*m_ui->fontPath);
+    if (!row)
+        return;
+    m_list.removeAt(*row);
+    showList();
+}
+
+void FontDownloadPage::on_deleteFontAll_clicked()
+{
+    m_list.clear();
+    showList();
+}
+
+void FontDownloadPage::on_downloadFont_clicked()
+{
+    if (m_list.paths.isEmpty()) {
+        m_context.notices.warn(texts::notSelectFile);
+        return;
+    }
+    const auto positions = downloadTable::positions(*m_ui->fontPath, m_list, m_context.notices);
+    if (!positions)
+        return;
+    QVector<BlockDownload::Block> blocks;
+    for (int row = 0; row < positions->size(); ++row) {
+        // A file that cannot be read is skipped.
+        QFile file(m_list.paths.at(row));
+        if (file.open(QIODevice::ReadOnly))
+            appendBlocks(blocks, positions->at(row), file.readAll());
+    }
+    if (!blocks.isEmpty())
+        m_download->start(blocks);
+}
+
+void FontDownloadPage::on_stopFont_clicked()
+{
+    m_context.session.commandType = commandType::idle;
+    m_download->rewind();
+    // The UART2 port is closed, not the ED2 port on which the download ran. That is wanted.
+    m_context.uartPort.close();
+}
+
+void FontDownloadPage::on_touchConfig_clicked(bool isOn)
+{
+    switchConfig(isOn, 13, "/13触控配置文件.bin");
+}
+
+void FontDownloadPage::on_variableConfig_clicked(bool isOn)
+{
+    switchConfig(isOn, 14, "/14变量配置文件.bin");
+}
+
+void FontDownloadPage::switchConfig(bool isOn, int block, const QString &name)
+{
+    if (isOn) {
+        m_list.append(m_context.moduleFolder + name, QString::number(block));
+    } else {
+        int row = 0;
+        while (row < m_list.positions.size() && m_list.positions.at(row).toInt() != block)
+            ++row;
+        m_list.removeAt(row);
+    }
+    showList();
+}
+
+void FontDownloadPage::showList()
+{
+    downloadTable::show(*m_ui->fontPath, m_list);
+}

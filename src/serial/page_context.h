@@ -1,9 +1,15 @@
 #pragma once
 
+#include <QString>
+
+class FileDialogs;
 class FrameBuilder;
 class Notices;
 class ReplyReceiver;
+class SerialLink;
 class SerialSet;
+class StepDispatch;
+class ToolSettings;
 class TrafficLog;
 struct DownloadSession;
 
@@ -15,7 +21,13 @@ struct PageContext
     ReplyReceiver &uartReplies;
     ReplyReceiver &ed2Replies;
     TrafficLog &trafficLog;
+    SerialLink &uartPort;
+    SerialLink &ed2Port;
     SerialSet &uartSet;
     SerialSet &ed2Set;
     Notices &notices;
+    FileDialogs &fileDialogs;
+    ToolSettings &settings;
+    StepDispatch &dispatch;
+    const QString &moduleFolder; ///< where the configuration files of the module stand
 };

@@ -1,5 +1,5 @@
-#include "app/tool_settings.h"
 #include "common/program_folder.h"
+#include "common/tool_settings.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -14,9 +14,9 @@ public:
     QStringList details;
     std::function<void()> whileOpen;
 
-    void warn(const Text &text, const Text *detail) override
+    void warn(const Text &text, const Text *detail, const QString &argument) override
     {
-        shown.append(text.in(true));
+        shown.append(argument.isNull() ? text.in(true) : text.in(true).arg(argument));
         details.append(detail ? detail->in(true) : QString());
         if (whileOpen)
             whileOpen();

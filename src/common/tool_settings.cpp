@@ -1,4 +1,4 @@
-#include "app/tool_settings.h"
+#include "common/tool_settings.h"
 
 #include <QVariant>
 

@@ -1,0 +1,8 @@
+#include "app/widget_file_dialogs.h"
+
+#include <QFileDialog>
+
+QStringList WidgetFileDialogs::openFiles(const QString &start, const QString &patterns)
+{
+    return QFileDialog::getOpenFileNames(m_parent, QString(), start, dialogFilter(patterns));
+}

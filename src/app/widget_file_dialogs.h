@@ -1,0 +1,17 @@
+#pragma once
+
+#include "common/file_dialogs.h"
+
+class QWidget;
+
+/// Asks for files in dialogs above `parent`.
+class WidgetFileDialogs final : public FileDialogs
+{
+public:
+    explicit WidgetFileDialogs(QWidget *parent) : m_parent(parent) {}
+
+    QStringList openFiles(const QString &start, const QString &patterns) override;
+
+private:
+    QWidget *m_parent;
+};

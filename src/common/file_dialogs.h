@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// Asks the user for files.
+class FileDialogs
+{
+public:
+    virtual ~FileDialogs() = default;
+
+    /// Existing files, starting at the folder or file `start`. `patterns` are parted by semicolons,
+    /// such as "*.bin;*.ICO". Empty when the user cancels.
+    virtual QStringList openFiles(const QString &start, const QString &patterns) = 0;
+};
+
+/// `patterns`, parted by semicolons, as Qt's own dialog understands them: with semicolons it would
+/// show no file at all.
+inline QString dialogFilter(const QString &patterns)
+{
+    return '(' + patterns.split(';', Qt::SkipEmptyParts).join(' ') + ')';
+}

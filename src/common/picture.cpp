@@ -1,0 +1,49 @@
+#include "common/picture.h"
+
+#include <QBuffer>
+#include <QImageReader>
+#include <QVector>
+#include <QtEndian>
+
+#include <cstring>
+
+namespace picture {
+
+QImage decode(const QByteArray &content)
+{
+    QBuffer buffer;
+    buffer.setData(content);
+    if (!buffer.open(QIODevice::ReadOnly))
+        return {};
+    QImageReader reader(&buffer);
+    reader.setDecideFormatFromContent(true);
+    const QSize size = reader.size();
+    if (size.isValid() && static_cast<qint64>(size.width()) * size.height() > maxPixels)
+        return {};
+    return reader.read();
+}
+
+QByteArray toRgb565(const QImage &image)
+{
+    const bool has32Bits =
+        image.format() == QImage::Format_RGB32 || image.format() == QImage::Format_ARGB32;
+    const QImage pixels = has32Bits ? image : image.convertToFormat(QImage::Format_ARGB32);
+    const int width = pixels.width();
+    const int rowBytes = 2 * width;
+    QByteArray bytes(rowBytes * pixels.height(), Qt::Uninitialized);
+    // One row at a time and without branches: the compiler makes vector code of it.
+    QVector<quint16> row(width);
+    for (int y = 0; y < pixels.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(pixels.constScanLine(y));
+        quint16 *out = row.data();
+        for (int x = 0; x < width; ++x) {
+            const QRgb rgb = line[x];
+            const QRgb packed = (rgb >> 8 & 0xF800U) | (rgb >> 5 & 0x07E0U) | (rgb >> 3 & 0x1FU);
+            out[x] = qToBigEndian(static_cast<quint16>(packed));
+        }
+        std::memcpy(bytes.data() + y * rowBytes, out, static_cast<size_t>(rowBytes));
+    }
+    return bytes;
+}
+
+} // namespace picture

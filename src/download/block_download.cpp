@@ -1,0 +1,67 @@
+#include "download/block_download.h"
+
+#include "common/big_endian.h"
+
+BlockDownload::BlockDownload(DownloadSession &session, SerialLink &link, Notices &notices,
+                             const Kind &kind, std::function<int()> endTick,
+                             std::function<void(int)> showProgress)
+    : Step(session, link, notices)
+    , m_kind(kind)
+    , m_endTick(std::move(endTick))
+    , m_showProgress(std::move(showProgress))
+{
+}
+
+// The handshakes have fixed header bytes and no CRC, whatever the serial settings say: ED2 knows no
+// others. They write the download registers 0xF3 and 0xF5; 0x5A starts the download.
+BlockDownload::Kind BlockDownload::fonts()
+{
+    return {commandType::fontDownload, QByteArray::fromHex("5AA5 04 80 F3 5A"), 100};
+}
+
+BlockDownload::Kind BlockDownload::pictures()
+{
+    // The high byte of the picture number is always 0.
+    return {commandType::pictureDownload, QByteArray::fromHex("5AA5 06 80 F5 5A 01 00"), 300};
+}
+
+void BlockDownload::start(const QVector<Block> &blocks)
+{
+    m_blocks = blocks;
+    m_index = 0;
+    m_session.replyReceived = false;
+    m_showProgress(0);
+    m_session.start(m_kind.commandType);
+}
+
+void BlockDownload::step()
+{
+    if (m_index >= m_blocks.size())
+        return;
+    if (m_session.tick == 1) {
+        if (!ensureOpen())
+            return;
+        QByteArray handshake = m_kind.handshake;
+        bigEndian::appendByte(handshake, m_blocks.at(m_index).number);
+        m_link.write(handshake);
+    } else if (m_session.tick == m_kind.checkTick) {
+        if (m_session.replyReceived)
+            m_link.write(m_blocks.at(m_index).data);
+        else
+            fail();
+    } else if (m_session.tick == m_endTick()) {
+        nextBlock();
+    }
+}
+
+void BlockDownload::nextBlock()
+{
+    m_session.tick = 0;
+    ++m_index;
+    m_showProgress(m_index * 100 / m_blocks.size());
+    if (m_index < m_blocks.size())
+        return;
+    finish();
+    m_session.replyReceived = false;
+    m_notices.warn(texts::downloadComplete);
+}

@@ -1,0 +1,366 @@
+#include "app/dialog.h"
+#include "common/program_folder.h"
+#include "simulator/simulator.h"
+#include "support/event_loop.h"
+#include "support/file_dialogs.h"
+#include "support/message_boxes.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPainter>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRandomGenerator>
+#include <QTableWidget>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+const QString complete = "The download is complete !";
+const QString failure = "Communication failure !";
+
+QByteArray randomBytes(int count)
+{
+    QRandomGenerator random(static_cast<quint32>(count));
+    QByteArray bytes(count, 0);
+    for (char &byte : bytes)
+        byte = static_cast<char>(random.bounded(256));
+    return bytes;
+}
+
+/// The module's pixels of `image` at `width` x `height`, by the definition.
+QByteArray expectedPixels(const QImage &image, int width, int height)
+{
+    const QImage scaled =
+        image.scaled(width, height, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    QByteArray bytes;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const QColor color = scaled.pixelColor(x, y);
+            const int word =
+                (color.red() >> 3) << 11 | (color.green() >> 2) << 5 | color.blue() >> 3;
+            bytes.append(static_cast<char>(word >> 8)).append(static_cast<char>(word & 0xFF));
+        }
+    }
+    return bytes;
+}
+
+} // namespace
+
+/// Files and pictures on their way to the simulated module, through the real window.
+class TestEd2Downloads : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void filesStandInTheirFlashBlocks();
+    void positionsAreTakenFromTheTable();
+    void filesThatAreMissingAreSkipped();
+    void emptyListsAreRefused();
+    void rowsAreDeletedOneByOneAndAllAtOnce();
+    void configurationFilesJoinAndLeaveTheList();
+    void silentModuleEndsTheDownload();
+    void pulledAdapterEndsTheDownload();
+    void stoppedDownloadStartsAgain();
+    void picturesArriveAtTheScreenSize();
+    void picturesThatAreNoneTakeTheirPlace();
+    void screenSizesThatAreNoneAreRefused();
+    void choicesAreRemembered();
+
+private:
+    template<typename Widget>
+    Widget *find(const QString &name)
+    {
+        auto *widget = m_dialog->findChild<Widget *>(name);
+        if (!widget)
+            qFatal("no widget %s", qPrintable(name));
+        return widget;
+    }
+    void click(const QString &name) { find<QPushButton>(name)->click(); }
+    QString cell(const QString &table, int row, int column)
+    {
+        return find<QTableWidget>(table)->item(row, column)->text();
+    }
+    QString write(const QString &name, const QByteArray &content)
+    {
+        const QString path = m_folder->filePath(name);
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
+    }
+    void choose(const QString &button, const QStringList &paths)
+    {
+        chooseInNextDialog(paths);
+        click(button);
+    }
+    QByteArray block(int number, int bytes)
+    {
+        return m_simulator->module().flash().read(number * k7::Flash::blockBytes, bytes);
+    }
+    void waitForBox()
+    {
+        runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 20000);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<k7::Simulator> m_simulator;
+    std::unique_ptr<Dialog> m_dialog;
+    std::unique_ptr<MessageBoxes> m_boxes;
+};
+
+void TestEd2Downloads::init()
+{
+    QFile::remove(programFolder() + "/SystemConfig.ini");
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_boxes = std::make_unique<MessageBoxes>();
+    m_simulator = std::make_unique<k7::Simulator>();
+    QVERIFY(m_simulator->start());
+    m_dialog = std::make_unique<Dialog>();
+    m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
+    m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
+    m_dialog->show();
+}
+
+void TestEd2Downloads::cleanup()
+{
+    m_dialog.reset();
+    m_simulator.reset();
+    m_boxes.reset();
+}
+
+void TestEd2Downloads::filesStandInTheirFlashBlocks()
+{
+    const QByteArray large = randomBytes(2 * k7::Flash::blockBytes + 1);
+    const QByteArray small = randomBytes(1000);
+    choose("chooseFontFile",
+           {write("32_large.dzk", large), write("7.empty.bin", ""), write("40_small.ICO", small)});
+    QCOMPARE(cell("fontPath", 0, 0), QString("32"));
+    QCOMPARE(cell("fontPath", 2, 1), m_folder->filePath("40_small.ICO"));
+    click("downloadFont");
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{complete});
+    QVERIFY(block(32, large.size()) == large);
+    QCOMPARE(block(34, 2), large.right(1) + '\xFF');
+    QCOMPARE(block(40, small.size()), small);
+    QCOMPARE(block(7, 4), QByteArray::fromHex("FFFFFFFF"));
+    QCOMPARE(m_simulator->module().flash().writtenBlocks(), (QList<int>{7, 32, 33, 34, 40}));
+    QCOMPARE(find<QProgressBar>("fontProgressBar")->value(), 100);
+}
+
+void TestEd2Downloads::positionsAreTakenFromTheTable()
+{
+    choose("chooseFontFile", {write("1_a.bin", "aa"), write("b.bin", "bb")});
+    QCOMPARE(cell("fontPath", 1, 0), QString());
+    click("downloadFont");
+    QCOMPARE(m_boxes->texts, QStringList{"The 1 row position is not number !"});
+    m_boxes->texts.clear();
+    // The low 8 bits count: 256 is block 0, -1 is block 255.
+    find<QTableWidget>("fontPath")->item(0, 0)->setText("256");
+    find<QTableWidget>("fontPath")->item(1, 0)->setText("-001");
+    click("downloadFont");
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{complete});
+    QCOMPARE(block(0, 2), QByteArray("aa"));
+    QCOMPARE(block(255, 2), QByteArray("bb"));
+    // The number's plain text shows once the table is filled again.
+    choose("chooseFontFile", {write("2_c.bin", "c")});
+    QCOMPARE(cell("fontPath", 1, 0), QString("-1"));
+}
+
+void TestEd2Downloads::filesThatAreMissingAreSkipped()
+{
+    const QString gone = write("1_gone.bin", "x");
+    choose("chooseFontFile", {gone});
+    QVERIFY(QFile::remove(gone));
+    click("downloadFont");
+    runEventLoop(50);
+    QCOMPARE(m_boxes->texts, QStringList());
+    QCOMPARE(m_simulator->module().flash().writtenBlocks(), QList<int>());
+    choose("chooseFontFile", {write("2_here.bin", "y")});
+    click("downloadFont");
+    waitForBox();
+    QCOMPARE(m_simulator->module().flash().writtenBlocks(), QList<int>{2});
+}
+
+void TestEd2Downloads::emptyListsAreRefused()
+{
+    for (const char *button : {"downloadFont", "downloadPicture"}) {
+        m_boxes->texts.clear();
+        click(button);
+        QCOMPARE(m_boxes->texts, QStringList{"Not select file !"});
+    }
+    m_dialog->selectLanguage("中文");
+    m_boxes->texts.clear();
+    click("downloadFont");
+    QCOMPARE(m_boxes->texts, QStringList{"未选中文件 !"});
+}
+
+void TestEd2Downloads::rowsAreDeletedOneByOneAndAllAtOnce()
+{
+    const QString first = write("1_a.bin", "a");
+    choose("chooseFontFile", {first, write("2_b.bin", "b")});
+    choose("chooseFontFile", {first});
+    auto *table = find<QTableWidget>("fontPath");
+    QCOMPARE(table->rowCount(), 3);
+    click("deleteFontFile");
+    QCOMPARE(table->rowCount(), 3);
+    table->setCurrentCell(0, 1);
+    click("deleteFontFile");
+    QCOMPARE(table->rowCount(), 2);
+    QCOMPARE(cell("fontPath", 0, 0), QString("2"));
+    click("deleteFontAll");
+    QCOMPARE(table->rowCount(), 0);
+}
+
+void TestEd2Downloads::configurationFilesJoinAndLeaveTheList()
+{
+    m_dialog->setDefaultFolder("/project/ZOLT_SET");
+    auto *table = find<QTableWidget>("fontPath");
+    choose("chooseFontFile", {write("13_own.bin", "a")});
+    find<QCheckBox>("touchConfig")->click();
+    find<QCheckBox>("variableConfig")->click();
+    QCOMPARE(table->rowCount(), 3);
+    QCOMPARE(cell("fontPath", 1, 1), QString("/project/ZOLT_SET/13触控配置文件.bin"));
+    QCOMPARE(cell("fontPath", 2, 0), QString("14"));
+    // The first entry with the number goes, whoever added it.
+    find<QCheckBox>("touchConfig")->click();
+    QCOMPARE(table->rowCount(), 2);
+    QCOMPARE(cell("fontPath", 0, 1), QString("/project/ZOLT_SET/13触控配置文件.bin"));
+    find<QCheckBox>("variableConfig")->click();
+    QCOMPARE(table->rowCount(), 1);
+}
+
+void TestEd2Downloads::silentModuleEndsTheDownload()
+{
+    k7::Behaviour silent;
+    silent.silent = true;
+    m_simulator->setBehaviour(silent);
+    m_boxes->answers = false;
+    choose("chooseFontFile", {write("1_a.bin", randomBytes(300000))});
+    click("downloadFont");
+    // However long the box stays, nothing more goes out.
+    QList<int> blocksMeanwhile;
+    QTimer::singleShot(2500, this, [&] {
+        QVERIFY(QApplication::activeModalWidget());
+        blocksMeanwhile = m_simulator->module().flash().writtenBlocks();
+        m_boxes->answers = true;
+    });
+    waitForBox();
+    runEventLoop(50);
+    QCOMPARE(m_boxes->texts, QStringList{failure});
+    QCOMPARE(blocksMeanwhile, QList<int>{1});
+    QCOMPARE(block(1, 1), QByteArray("\xFF"));
+}
+
+void TestEd2Downloads::pulledAdapterEndsTheDownload()
+{
+    k7::Behaviour unplugged;
+    unplugged.hangUpAfter = 100000;
+    m_simulator->setBehaviour(unplugged);
+    choose("chooseFontFile", {write("1_a.bin", randomBytes(300000))});
+    click("downloadFont");
+    waitForBox();
+    runEventLoop(100);
+    QCOMPARE(m_boxes->texts, QStringList{failure});
+}
+
+void TestEd2Downloads::stoppedDownloadStartsAgain()
+{
+    const QByteArray content = randomBytes(k7::Flash::blockBytes + 5);
+    choose("chooseFontFile", {write("8_a.bin", content)});
+    click("downloadFont");
+    runEventLoop(400);
+    click("stopFont");
+    runEventLoop(600);
+    QCOMPARE(m_simulator->module().flash().writtenBlocks(), QList<int>{8});
+    QCOMPARE(m_boxes->texts, QStringList());
+    click("downloadFont");
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{complete});
+    QVERIFY(block(8, content.size()) == content);
+}
+
+void TestEd2Downloads::picturesArriveAtTheScreenSize()
+{
+    QImage image(64, 48, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setPen(Qt::NoPen);
+    for (int i = 0; i < 16; ++i) {
+        painter.setBrush(QColor(i * 16, 255 - i * 13, i * 7, i % 2 == 0 ? 255 : 90));
+        painter.drawRect(i * 4, 2 * i, 20, 18);
+    }
+    painter.end();
+    const QImage opaque = image.convertToFormat(QImage::Format_RGB888);
+    QStringList paths;
+    for (const auto &[name, picture] :
+         {std::pair(QString("1_alpha.png"), image),
+          {"2_opaque.png", opaque},
+          {"3_photo.jpg", opaque},
+          {"4_bitmap.bmp", opaque},
+          {"5_palette.png", opaque.convertToFormat(QImage::Format_Indexed8)},
+          {"6_mono.png", opaque.convertToFormat(QImage::Format_Mono)}}) {
+        paths.append(m_folder->filePath(name));
+        QVERIFY(picture.save(paths.last()));
+    }
+    // The smallest picture of its format: one red pixel.
+    paths.append(write("7_red.gif", QByteArray::fromHex("474946383761010001008000 00FF0000 000000"
+                                                        "2C000000000100010000 02024401003B")));
+    auto *sizes = find<QComboBox>("srceenSize");
+    sizes->addItem("100X50");
+    sizes->setCurrentText("100X50");
+    choose("choosePictureFile", paths);
+    QCOMPARE(m_boxes->texts, QStringList());
+    sizes->setCurrentText("320X240"); // too late for these
+    click("downloadPicture");
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{complete});
+    for (int i = 0; i < paths.size(); ++i)
+        QCOMPARE(m_simulator->module().pictures().value(i + 1).toHex(),
+                 expectedPixels(QImage(paths.at(i)), 100, 50).toHex());
+    QCOMPARE(find<QProgressBar>("pictureProgressBar")->value(), 100);
+}
+
+void TestEd2Downloads::picturesThatAreNoneTakeTheirPlace()
+{
+    choose("choosePictureFile", {write("9_text.png", "no picture")});
+    QCOMPARE(m_boxes->texts, QStringList{"The file is not picture !"});
+    m_boxes->texts.clear();
+    click("downloadPicture");
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{complete});
+    QCOMPARE(m_simulator->module().pictures().value(9, "none"), QByteArray());
+}
+
+void TestEd2Downloads::screenSizesThatAreNoneAreRefused()
+{
+    const QString path = m_folder->filePath("1.p.png");
+    QVERIFY(QImage(2, 2, QImage::Format_RGB32).save(path));
+    auto *sizes = find<QComboBox>("srceenSize");
+    for (const char *size : {"480x272", "1X2X3", "0X5", "-4X-4", "60000X60000", "X"}) {
+        m_boxes->texts.clear();
+        sizes->addItem(size);
+        sizes->setCurrentText(size);
+        choose("choosePictureFile", {path});
+        QCOMPARE(m_boxes->texts, QStringList{"The srceen size error !"});
+    }
+    QCOMPARE(find<QTableWidget>("picturePath")->rowCount(), 6);
+}
+
+void TestEd2Downloads::choicesAreRemembered()
+{
+    const QStringList paths{write("1_a.bin", "a"), write("2_b.bin", "b")};
+    choose("chooseFontFile", paths);
+    choose("chooseFontFile", {});
+    QCOMPARE(find<QTableWidget>("fontPath")->rowCount(), 2);
+    m_dialog.reset();
+    const QSettings settings(programFolder() + "/SystemConfig.ini", QSettings::IniFormat);
+    QCOMPARE(settings.value("DefaultPath/fontDefaultPath").toStringList(), paths);
+}
+
+QTEST_MAIN(TestEd2Downloads)
+#include "tst_ed2_downloads.moc"
