@@ -1,15 +1,10 @@
-#include "app/dialog.h"
-#include "common/program_folder.h"
-#include "simulator/simulator.h"
-#include "support/event_loop.h"
 #include "support/file_dialogs.h"
-#include "support/message_boxes.h"
+#include "support/window_test.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QPainter>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QRandomGenerator>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -49,7 +44,7 @@ QByteArray expectedPixels(const QImage &image, int width, int height)
 } // namespace
 
 /// Files and pictures on their way to the simulated module, through the real window.
-class TestEd2Downloads : public QObject
+class TestEd2Downloads : public WindowTest
 {
     Q_OBJECT
 
@@ -71,15 +66,6 @@ private slots:
     void choicesAreRemembered();
 
 private:
-    template<typename Widget>
-    Widget *find(const QString &name)
-    {
-        auto *widget = m_dialog->findChild<Widget *>(name);
-        if (!widget)
-            qFatal("no widget %s", qPrintable(name));
-        return widget;
-    }
-    void click(const QString &name) { find<QPushButton>(name)->click(); }
     QString cell(const QString &table, int row, int column)
     {
         return find<QTableWidget>(table)->item(row, column)->text();
@@ -99,7 +85,7 @@ private:
     }
     QByteArray block(int number, int bytes)
     {
-        return m_simulator->module().flash().read(number * k7::Flash::blockBytes, bytes);
+        return module().flash().read(number * k7::Flash::blockBytes, bytes);
     }
     void waitForBox()
     {
@@ -107,29 +93,18 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<k7::Simulator> m_simulator;
-    std::unique_ptr<Dialog> m_dialog;
-    std::unique_ptr<MessageBoxes> m_boxes;
 };
 
 void TestEd2Downloads::init()
 {
-    QFile::remove(programFolder() + "/SystemConfig.ini");
     m_folder = std::make_unique<QTemporaryDir>();
-    m_boxes = std::make_unique<MessageBoxes>();
-    m_simulator = std::make_unique<k7::Simulator>();
-    QVERIFY(m_simulator->start());
-    m_dialog = std::make_unique<Dialog>();
-    m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
-    m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
-    m_dialog->show();
+    QVERIFY(m_folder->isValid());
+    QVERIFY(openWindow());
 }
 
 void TestEd2Downloads::cleanup()
 {
-    m_dialog.reset();
-    m_simulator.reset();
-    m_boxes.reset();
+    closeWindow();
 }
 
 void TestEd2Downloads::filesStandInTheirFlashBlocks()
@@ -147,7 +122,7 @@ void TestEd2Downloads::filesStandInTheirFlashBlocks()
     QCOMPARE(block(34, 2), large.right(1) + '\xFF');
     QCOMPARE(block(40, small.size()), small);
     QCOMPARE(block(7, 4), QByteArray::fromHex("FFFFFFFF"));
-    QCOMPARE(m_simulator->module().flash().writtenBlocks(), (QList<int>{7, 32, 33, 34, 40}));
+    QCOMPARE(module().flash().writtenBlocks(), (QList<int>{7, 32, 33, 34, 40}));
     QCOMPARE(find<QProgressBar>("fontProgressBar")->value(), 100);
 }
 
@@ -179,11 +154,11 @@ void TestEd2Downloads::filesThatAreMissingAreSkipped()
     click("downloadFont");
     runEventLoop(50);
     QCOMPARE(m_boxes->texts, QStringList());
-    QCOMPARE(m_simulator->module().flash().writtenBlocks(), QList<int>());
+    QCOMPARE(module().flash().writtenBlocks(), QList<int>());
     choose("chooseFontFile", {write("2_here.bin", "y")});
     click("downloadFont");
     waitForBox();
-    QCOMPARE(m_simulator->module().flash().writtenBlocks(), QList<int>{2});
+    QCOMPARE(module().flash().writtenBlocks(), QList<int>{2});
 }
 
 void TestEd2Downloads::emptyListsAreRefused()
@@ -246,7 +221,7 @@ void TestEd2Downloads::silentModuleEndsTheDownload()
     QList<int> blocksMeanwhile;
     QTimer::singleShot(2500, this, [&] {
         QVERIFY(QApplication::activeModalWidget());
-        blocksMeanwhile = m_simulator->module().flash().writtenBlocks();
+        blocksMeanwhile = module().flash().writtenBlocks();
         m_boxes->answers = true;
     });
     waitForBox();
@@ -276,7 +251,7 @@ void TestEd2Downloads::stoppedDownloadStartsAgain()
     runEventLoop(400);
     click("stopFont");
     runEventLoop(600);
-    QCOMPARE(m_simulator->module().flash().writtenBlocks(), QList<int>{8});
+    QCOMPARE(module().flash().writtenBlocks(), QList<int>{8});
     QCOMPARE(m_boxes->texts, QStringList());
     click("downloadFont");
     waitForBox();
@@ -320,7 +295,7 @@ void TestEd2Downloads::picturesArriveAtTheScreenSize()
     waitForBox();
     QCOMPARE(m_boxes->texts, QStringList{complete});
     for (int i = 0; i < paths.size(); ++i)
-        QCOMPARE(m_simulator->module().pictures().value(i + 1).toHex(),
+        QCOMPARE(module().pictures().value(i + 1).toHex(),
                  expectedPixels(QImage(paths.at(i)), 100, 50).toHex());
     QCOMPARE(find<QProgressBar>("pictureProgressBar")->value(), 100);
 }
@@ -333,7 +308,7 @@ void TestEd2Downloads::picturesThatAreNoneTakeTheirPlace()
     click("downloadPicture");
     waitForBox();
     QCOMPARE(m_boxes->texts, QStringList{complete});
-    QCOMPARE(m_simulator->module().pictures().value(9, "none"), QByteArray());
+    QCOMPARE(module().pictures().value(9, "none"), QByteArray());
 }
 
 void TestEd2Downloads::screenSizesThatAreNoneAreRefused()

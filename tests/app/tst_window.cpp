@@ -1,13 +1,9 @@
-#include "app/dialog.h"
-#include "simulator/simulator.h"
-#include "support/event_loop.h"
-#include "support/message_boxes.h"
+#include "support/window_test.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -27,7 +23,7 @@ void noteConnectionWarnings(QtMsgType, const QMessageLogContext &, const QString
 } // namespace
 
 /// The real window against the simulated module.
-class TestWindow : public QObject
+class TestWindow : public WindowTest
 {
     Q_OBJECT
 
@@ -60,16 +56,6 @@ private slots:
     void escapeKeepsTheWindowOpen();
 
 private:
-    template<typename Widget>
-    Widget *find(const QString &name)
-    {
-        auto *widget = m_dialog->findChild<Widget *>(name);
-        if (!widget)
-            qFatal("no widget %s", qPrintable(name));
-        return widget;
-    }
-
-    void click(const QString &name) { find<QPushButton>(name)->click(); }
     void set(const QString &name, int value) { find<QSpinBox>(name)->setValue(value); }
     int value(const QString &name) { return find<QSpinBox>(name)->value(); }
     QString line(const QString &name) { return find<QLineEdit>(name)->text(); }
@@ -81,34 +67,22 @@ private:
         find<QCheckBox>("hexMode")->setChecked(hex);
         find<QLineEdit>("ChannelEdit0")->setText(text);
     }
-    k7::Module &module() { return m_simulator->module(); }
     /// Waits until the exchange that runs has ended.
     void finishExchange();
-
-    std::unique_ptr<k7::Simulator> m_simulator;
-    std::unique_ptr<Dialog> m_dialog;
-    std::unique_ptr<MessageBoxes> m_boxes;
 };
 
 void TestWindow::init()
 {
     connectionWarnings.clear();
-    m_boxes = std::make_unique<MessageBoxes>();
-    m_simulator = std::make_unique<k7::Simulator>();
-    QVERIFY(m_simulator->start());
     const QtMessageHandler previous = qInstallMessageHandler(noteConnectionWarnings);
-    m_dialog = std::make_unique<Dialog>();
+    const bool isOpen = openWindow();
     qInstallMessageHandler(previous);
-    m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
-    m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
-    m_dialog->show();
+    QVERIFY(isOpen);
 }
 
 void TestWindow::cleanup()
 {
-    m_dialog.reset();
-    m_simulator.reset();
-    m_boxes.reset();
+    closeWindow();
 }
 
 void TestWindow::finishExchange()

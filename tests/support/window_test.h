@@ -1,0 +1,54 @@
+#pragma once
+
+#include "app/dialog.h"
+#include "common/program_folder.h"
+#include "simulator/simulator.h"
+#include "support/event_loop.h"
+#include "support/message_boxes.h"
+
+#include <QFile>
+#include <QPushButton>
+
+#include <memory>
+
+/// Base of the tests that drive the real window against the simulated module.
+class WindowTest : public QObject
+{
+protected:
+    /// Opens a window with default settings, on the ports of a new module. False when the system
+    /// has no terminals for it.
+    bool openWindow()
+    {
+        QFile::remove(programFolder() + "/SystemConfig.ini");
+        m_boxes = std::make_unique<MessageBoxes>();
+        m_simulator = std::make_unique<k7::Simulator>();
+        if (!m_simulator->start())
+            return false;
+        m_dialog = std::make_unique<Dialog>();
+        m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
+        m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
+        m_dialog->show();
+        return true;
+    }
+    void closeWindow()
+    {
+        m_dialog.reset();
+        m_simulator.reset();
+        m_boxes.reset();
+    }
+
+    template<typename Widget>
+    Widget *find(const QString &name)
+    {
+        auto *widget = m_dialog->findChild<Widget *>(name);
+        if (!widget)
+            qFatal("no widget %s", qPrintable(name));
+        return widget;
+    }
+    void click(const QString &name) { find<QPushButton>(name)->click(); }
+    k7::Module &module() { return m_simulator->module(); }
+
+    std::unique_ptr<k7::Simulator> m_simulator;
+    std::unique_ptr<Dialog> m_dialog;
+    std::unique_ptr<MessageBoxes> m_boxes;
+};
