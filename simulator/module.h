@@ -53,6 +53,8 @@ public:
     void setVp(quint16 address, quint16 value) { m_state.vp[address] = value; }
     const Flash &flash() const { return m_state.flash; }
     const QMap<int, QByteArray> &pictures() const { return m_state.pictures; }
+    const QByteArray &pictureMemory() const { return m_state.pictureMemory; }
+    const ShownJpeg &jpeg() const { return m_state.jpeg; }
     /// Samples of channel 0 to 7, oldest first; empty for any other.
     QVector<quint16> curve(int channel) const;
     Music music() const { return m_state.music; }

@@ -54,6 +54,10 @@ bool dump(const Module &module, const QDir &folder)
     for (auto it = module.pictures().begin(); it != module.pictures().end(); ++it)
         written = written &&
                   writeFile(folder, QString::asprintf("picture_%03d.bin", it.key()), it.value());
+    if (!module.pictureMemory().isEmpty())
+        written = written && writeFile(folder, "picture_memory.bin", module.pictureMemory());
+    if (!module.jpeg().content.isEmpty())
+        written = written && writeFile(folder, "jpeg.jpg", module.jpeg().content);
     for (int channel = 0; channel < FrameBuilder::channels; ++channel) {
         const QVector<quint16> samples = module.curve(channel);
         if (!samples.isEmpty())

@@ -19,6 +19,15 @@ struct Music
     int volume = 0;
 };
 
+/// The JPEG picture that was shown last: what VP memory holds from its start on, and where it is.
+struct ShownJpeg
+{
+    QByteArray content;
+    bool isStored = false; ///< under the picture ID `first`, not on the screen at `first`, `second`
+    int first = 0;
+    int second = 0;
+};
+
 /// Everything a display module remembers. A new one has the device's ID, version, name, voltage and
 /// settings in its VP words.
 struct ModuleState
@@ -30,6 +39,9 @@ struct ModuleState
     Flash flash;
     /// Downloaded pictures by their number, as RGB565 bytes.
     QMap<int, QByteArray> pictures;
+    /// Picture memory without pages, from its first word on.
+    QByteArray pictureMemory;
+    ShownJpeg jpeg;
     std::array<QVector<quint16>, FrameBuilder::channels> curves;
     Music music;
     quint8 systemArgument = 0; // of the last system command

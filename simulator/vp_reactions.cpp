@@ -12,6 +12,10 @@ constexpr int resetVp = 0x04;
 constexpr int norFlashVp = 0x08;
 constexpr int showPageVp = 0x84;
 constexpr int musicVp = 0xA0;
+constexpr int movePictureVp = 0xA2;
+constexpr int showJpegVp = 0xA6;
+constexpr int moveToFlashVp = 0xAA;
+constexpr int stagingVp = 0x8000;
 
 quint8 highByte(quint16 word)
 {
@@ -102,6 +106,81 @@ QString playMusic(ModuleState &state)
                              state.music.count, state.music.volume);
 }
 
+/// Overwrites `memory` at `offset`, filling what lies before it with zeros; beyond `limit` bytes
+/// all is dropped.
+void overwrite(QByteArray &memory, qint64 offset, const QByteArray &data, int limit)
+{
+    if (offset < 0 || offset + data.size() > limit)
+        return;
+    const int end = static_cast<int>(offset) + data.size();
+    if (memory.size() < end)
+        memory.append(QByteArray(end - memory.size(), 0));
+    memory.replace(static_cast<int>(offset), data.size(), data);
+}
+
+QString movePicture(ModuleState &state)
+{
+    constexpr quint16 toMemory = 0x5A80;
+    constexpr quint16 toPage = 0x5AA5;
+    constexpr quint32 memoryBase = 0x78000000; // in words
+    constexpr int memoryChunkWords = 120;
+    constexpr int pageChunkWords = 0x1000;
+    constexpr int limit = 64 * 1024 * 1024;
+
+    const quint16 command = state.vp.at(movePictureVp);
+    const quint16 high = state.vp.at(movePictureVp + 2);
+    const quint16 low = state.vp.at(movePictureVp + 3);
+    if (command == toMemory) {
+        const qint64 word = (qint64{high} << 16 | low) - memoryBase;
+        overwrite(state.pictureMemory, 2 * word, vpBytes(state, stagingVp, memoryChunkWords),
+                  limit);
+        return QString::asprintf("moves to picture memory word %lld", static_cast<long long>(word));
+    }
+    if (command != toPage)
+        return {};
+    overwrite(state.pictures[high], qint64{low} * 2 * pageChunkWords,
+              vpBytes(state, state.vp.at(movePictureVp + 1), pageChunkWords), limit);
+    return QString::asprintf("moves to picture page %d, chunk %d", high, low);
+}
+
+QString showJpeg(ModuleState &state)
+{
+    constexpr quint16 now = 0x5A01;
+    constexpr quint16 store = 0x5A02;
+
+    const quint16 command = state.vp.at(showJpegVp);
+    if (command != now && command != store)
+        return {};
+    const int address = state.vp.at(showJpegVp + 1);
+    state.jpeg = {vpBytes(state, address, state.vp.size() - address), command == store,
+                  state.vp.at(showJpegVp + 2), state.vp.at(showJpegVp + 3)};
+    if (state.jpeg.isStored)
+        return QString::asprintf("stores JPEG picture %d", state.jpeg.first);
+    return QString::asprintf("shows JPEG picture at %d, %d", state.jpeg.first, state.jpeg.second);
+}
+
+/// K7UID1 counts the flash in units of 32 KiB, the others in blocks of 256 KiB and words in these;
+/// what tells them apart is where the source address stands.
+QString moveToFlash(ModuleState &state)
+{
+    constexpr quint16 move = 0x5A02;
+    constexpr int unitWords = 0x4000;
+
+    if (state.vp.at(moveToFlashVp) != move)
+        return {};
+    const auto argument = [&state](int index) { return int{state.vp.at(moveToFlashVp + index)}; };
+    const bool isInUnits = argument(3) == 1;
+    const qint64 offset = isInUnits ? qint64{argument(1)} * 2 * unitWords
+                                    : qint64{argument(1) >> 8} * Flash::blockBytes +
+                                          2 * (qint64{argument(1) & 0xFF} << 16 | argument(2));
+    const int source = isInUnits ? argument(2) : argument(3);
+    const int words = isInUnits ? unitWords : argument(4);
+    if (offset < Flash::bytes)
+        state.flash.write(static_cast<int>(offset), vpBytes(state, source, words));
+    return QString::asprintf("moves %d words to flash 0x%llX", words,
+                             static_cast<unsigned long long>(offset));
+}
+
 /// A command starts when its first word is written; the words after it are its arguments.
 struct Reaction
 {
@@ -114,6 +193,9 @@ constexpr Reaction reactions[] = {
     {norFlashVp, moveNorFlash},
     {showPageVp, showPage},
     {musicVp, playMusic},
+    {movePictureVp, movePicture},
+    {showJpegVp, showJpeg},
+    {moveToFlashVp, moveToFlash},
 };
 
 } // namespace

@@ -10,6 +10,7 @@ class WidgetFileDialogs final : public FileDialogs
 public:
     explicit WidgetFileDialogs(QWidget *parent) : m_parent(parent) {}
 
+    QString openFile(const QString &start, const QString &patterns) override;
     QStringList openFiles(const QString &start, const QString &patterns) override;
 
 private:

@@ -9,6 +9,9 @@ class FileDialogs
 public:
     virtual ~FileDialogs() = default;
 
+    /// An existing file, as openFiles() asks for several. Empty when the user cancels.
+    virtual QString openFile(const QString &start, const QString &patterns) = 0;
+
     /// Existing files, starting at the folder or file `start`. `patterns` are parted by semicolons,
     /// such as "*.bin;*.ICO". Empty when the user cancels.
     virtual QStringList openFiles(const QString &start, const QString &patterns) = 0;

@@ -4,11 +4,27 @@
 
 #include <algorithm>
 
-QString leadingDigits(const QString &path)
+namespace {
+
+/// All digits that `name` starts with.
+QString digitsOf(const QString &name)
 {
-    const QString name = QFileInfo(path).fileName();
     const auto end = std::find_if(name.begin(), name.end(), [](QChar c) {
         return c < QLatin1Char('0') || c > QLatin1Char('9');
     });
-    return end == name.end() ? QString() : name.left(static_cast<int>(end - name.begin()));
+    return name.left(static_cast<int>(end - name.begin()));
+}
+
+} // namespace
+
+QString leadingDigits(const QString &path)
+{
+    const QString name = QFileInfo(path).fileName();
+    const QString digits = digitsOf(name);
+    return digits == name ? QString() : digits;
+}
+
+int leadingNumber(const QString &path)
+{
+    return digitsOf(QFileInfo(path).fileName()).toInt();
 }

@@ -28,6 +28,14 @@ inline constexpr Text notSelectFile{"Not select file !", "未选中文件 !"};
 inline constexpr Text rowIsNotNumber{"The %1 row position is not number !", "%1 行不是数字 !"};
 inline constexpr Text fileIsNotPicture{"The file is not picture !", "该文件不是图片！"};
 inline constexpr Text screenSizeError{"The srceen size error !", "尺寸错误！"};
+inline constexpr Text unselectedOsFile{"Unselected OS file !", "未选中OS文件！"};
+inline constexpr Text osFileTooSmall{"The OS file size is less than 0X1000 !",
+                                     "OS文件不能小于1000！"};
+inline constexpr Text osFileTooLarge{
+    "The OS file is too large !\nThe module takes files of up to 126976 bytes.",
+    "OS文件过大！\n模块最多接受126976字节的文件。"};
+inline constexpr Text fileTooLarge{"The file is too large !", "文件过大！"};
+inline constexpr Text downloadFailed{"Download failed !", "下载失败！"};
 
 // Why a port could not be opened, shown below serialOpeningFailed.
 inline constexpr Text noSuchPort{

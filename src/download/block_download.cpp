@@ -59,9 +59,6 @@ void BlockDownload::nextBlock()
     m_session.tick = 0;
     ++m_index;
     m_showProgress(m_index * 100 / m_blocks.size());
-    if (m_index < m_blocks.size())
-        return;
-    finish();
-    m_session.replyReceived = false;
-    m_notices.warn(texts::downloadComplete);
+    if (m_index == m_blocks.size())
+        complete();
 }

@@ -2,14 +2,26 @@
 
 #include "ui_device_page.h"
 
+#include "common/file_dialogs.h"
+#include "common/file_number.h"
+#include "common/picture.h"
 #include "common/radio_group.h"
-#include "download/download_session.h"
+#include "common/read_file.h"
+#include "common/tool_settings.h"
+#include "download/bmp_download.h"
+#include "download/ico_download.h"
+#include "download/jpeg_file.h"
+#include "download/jpg_download.h"
+#include "download/os_download.h"
+#include "download/step_dispatch.h"
 #include "serial/frame_builder.h"
 #include "serial/reply_receiver.h"
 #include "serial/serial_assistant_page.h"
 #include "serial/serial_set.h"
 
 #include <QButtonGroup>
+#include <QFile>
+#include <QFileInfo>
 
 /// Which widgets show the reply to a read from `startAddress` on.
 struct DevicePage::Reply
@@ -40,7 +52,7 @@ DevicePage::DevicePage(const PageContext &context, SerialAssistantPage &assistan
          {m_ui->label_26, m_ui->label_27, m_ui->label_16, m_ui->label, m_ui->label_2})
         label->hide();
 
-    makeRadioGroup({m_ui->renewalPageNow, m_ui->renewalPageID}, 0, this);
+    m_jpgMode = makeRadioGroup({m_ui->renewalPageNow, m_ui->renewalPageID}, 0, this);
     m_sdStatus = makeRadioGroup({m_ui->sdStatusClose_2, m_ui->sdStatusOpen_2}, 1, this);
     m_touchVoice = makeRadioGroup({m_ui->touchVoiceClose_2, m_ui->touchVoiceOpen_2}, 1, this);
     m_touchLight = makeRadioGroup({m_ui->touchLightClose_2, m_ui->touchLightOpen_2}, 0, this);
@@ -54,6 +66,7 @@ DevicePage::DevicePage(const PageContext &context, SerialAssistantPage &assistan
             m_refresh.request();
         });
     connect(&m_refresh, &PacedTrigger::fired, this, &DevicePage::showReplies);
+    addDownloads();
 }
 
 DevicePage::~DevicePage() = default;
@@ -147,6 +160,142 @@ void DevicePage::on_writeNorFlash_clicked()
 void DevicePage::on_serialSet_clicked()
 {
     m_context.uartSet.exec();
+}
+
+void DevicePage::addDownloads()
+{
+    const StagedDownload::Window window{
+        [this] { return waitRate(m_context.uartSet.settings().baudRate); },
+        [this](int percent) { m_ui->pictureProgress->setValue(percent); }};
+    const auto add = [this](int type, auto step) {
+        auto *raw = step.get();
+        m_context.dispatch.add(type, std::move(step));
+        return raw;
+    };
+    DownloadSession &session = m_context.session;
+    SerialLink &link = m_context.uartPort;
+    Notices &notices = m_context.notices;
+    FrameBuilder &builder = m_context.builder;
+
+    m_linearBmp =
+        add(commandType::bmpDownload, std::make_unique<BmpDownload>(session, link, notices, builder,
+                                                                    window, BmpDownload::linear()));
+    m_pagedBmp = add(commandType::pagedBmpDownload,
+                     std::make_unique<BmpDownload>(
+                         session, link, notices, builder, window,
+                         BmpDownload::paged([this] { return m_ui->pageId->value(); })));
+    m_jpgDownload =
+        add(commandType::jpgDownload,
+            std::make_unique<JpgDownload>(session, link, notices, builder, window, [this] {
+                const int mode = m_jpgMode->checkedId();
+                return mode == 0 ? JpgDownload::Display{mode, m_ui->jpgPositionX->value(),
+                                                        m_ui->jpgPositionY->value()}
+                                 : JpgDownload::Display{mode, m_ui->jpgPositionID->value(), 0};
+            }));
+    m_icoDownload =
+        add(commandType::icoDownload,
+            std::make_unique<IcoDownload>(session, link, notices, builder, window, [this] {
+                return m_ui->K7UIModel_2->currentText() == "K7UID1";
+            }));
+    m_osDownload = add(commandType::osDownload,
+                       std::make_unique<OsDownload>(session, link, notices, builder, window.rate));
+}
+
+void DevicePage::on_openBmpFile_clicked()
+{
+    const QString path = m_context.fileDialogs.openFile(m_context.settings.imageFolder(),
+                                                        "*.bmp;*.jpg;*.jpeg;*.png;*.gif");
+    if (path.isEmpty())
+        return;
+    m_context.settings.rememberImagePath(path);
+    m_ui->bmpFilePathLabel->setText(path);
+    m_bmpPixels = picture::toRgb565(picture::decode(readFile(path).value_or(QByteArray())));
+    if (m_bmpPixels.isEmpty())
+        m_context.notices.warn(texts::fileIsNotPicture);
+}
+
+void DevicePage::on_downloadBmpFile_clicked()
+{
+    if (m_bmpPixels.isEmpty()) {
+        m_context.notices.warn(texts::notSelectFile);
+        return;
+    }
+    const bool isPaged = m_ui->K7UIModel_2->currentText() == "K7UID2";
+    (isPaged ? m_pagedBmp : m_linearBmp)->start(m_bmpPixels);
+}
+
+void DevicePage::on_openJpgFile_clicked()
+{
+    const QString path =
+        m_context.fileDialogs.openFile(m_context.settings.imageFolder(), "*.jpg;*.jpeg;");
+    if (path.isEmpty())
+        return;
+    m_context.settings.rememberImagePath(path);
+    m_ui->bmpFilePathLabel->setText(path);
+    const QByteArray content = readFile(path).value_or(QByteArray());
+    m_jpeg = jpegWithin(content, JpgDownload::maxBytes);
+    if (m_jpeg.isEmpty() && !content.isEmpty())
+        m_context.notices.warn(texts::fileIsNotPicture);
+}
+
+void DevicePage::on_downloadJpgFile_clicked()
+{
+    if (m_jpeg.isEmpty())
+        m_context.notices.warn(texts::notSelectFile);
+    else
+        m_jpgDownload->start(m_jpeg);
+}
+
+void DevicePage::on_openOsFile_clicked()
+{
+    const QString path = m_context.fileDialogs.openFile(QString(), "*.bin");
+    if (path.isEmpty())
+        return;
+    m_ui->bmpFilePathLabel->setText(path);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    if (file.size() < OsDownload::bootBytes)
+        m_context.notices.warn(texts::osFileTooSmall);
+    else if (file.size() > OsDownload::maxFileBytes)
+        m_context.notices.warn(texts::osFileTooLarge);
+    else
+        m_osDownload->load(file.readAll());
+}
+
+void DevicePage::on_downloadOsFile_clicked()
+{
+    if (m_osDownload->isEmpty())
+        m_context.notices.warn(texts::unselectedOsFile);
+    else
+        m_context.session.takeOver(commandType::osDownload);
+}
+
+void DevicePage::on_openIcpFile_clicked()
+{
+    // The last pattern has no dot. That is wanted.
+    const QString path = m_context.fileDialogs.openFile(m_context.settings.icoFolder(),
+                                                        "*.ICO;*.bin;*.hzk;*.dzk;*WAV");
+    if (path.isEmpty())
+        return;
+    m_ui->bmpFilePathLabel->setText(path);
+    m_context.settings.rememberIcoPath(path);
+    if (QFileInfo(path).size() > maxFileBytes)
+        m_context.notices.warn(texts::fileTooLarge);
+    const auto content = readFile(path);
+    if (!content)
+        return;
+    m_icoFileData = *content;
+    m_icoFileNumber = leadingNumber(path);
+    m_ui->icoPositionID->setValue(m_icoFileNumber);
+}
+
+void DevicePage::on_downloadIcoFile_clicked()
+{
+    if (m_icoFileData.isEmpty())
+        m_context.notices.warn(texts::notSelectFile);
+    else
+        m_icoDownload->start(m_icoFileData, m_icoFileNumber);
 }
 
 void DevicePage::read(const deviceValues::Block &block)

@@ -11,6 +11,10 @@
 #include <initializer_list>
 #include <memory>
 
+class BmpDownload;
+class IcoDownload;
+class JpgDownload;
+class OsDownload;
 class QButtonGroup;
 class SerialAssistantPage;
 
@@ -18,7 +22,8 @@ namespace Ui {
 class DevicePage;
 }
 
-/// The device commands over UART2: short exchanges that read or write a few VP words.
+/// The device commands over UART2: short exchanges that read or write a few VP words, and the
+/// downloads that need no ED2 link.
 class DevicePage : public QWidget
 {
     Q_OBJECT
@@ -50,10 +55,20 @@ private slots:
 
     void on_serialSet_clicked();
 
+    void on_openBmpFile_clicked();
+    void on_downloadBmpFile_clicked();
+    void on_openJpgFile_clicked();
+    void on_downloadJpgFile_clicked();
+    void on_openOsFile_clicked();
+    void on_downloadOsFile_clicked();
+    void on_openIcpFile_clicked();
+    void on_downloadIcoFile_clicked();
+
 private:
     struct Reply;
     static const std::array<Reply, 7> replies;
 
+    void addDownloads();
     void read(const deviceValues::Block &block);
     void writeVp(quint16 address, std::initializer_list<int> words);
     void accessNorFlash(int direction);
@@ -69,10 +84,22 @@ private:
     const PageContext m_context;
     SerialAssistantPage &m_assistant;
     std::unique_ptr<Ui::DevicePage> m_ui;
+    QButtonGroup *m_jpgMode;
     QButtonGroup *m_sdStatus;
     QButtonGroup *m_touchVoice;
     QButtonGroup *m_touchLight;
     QButtonGroup *m_displayDirection;
     QSet<quint16> m_arrived; ///< start addresses of replies that are not shown yet
     PacedTrigger m_refresh{0};
+
+    BmpDownload *m_linearBmp = nullptr;
+    BmpDownload *m_pagedBmp = nullptr;
+    JpgDownload *m_jpgDownload = nullptr;
+    OsDownload *m_osDownload = nullptr;
+    IcoDownload *m_icoDownload = nullptr;
+    // What was chosen for the downloads; empty until then.
+    QByteArray m_bmpPixels;
+    QByteArray m_jpeg;
+    QByteArray m_icoFileData;
+    int m_icoFileNumber = 0;
 };

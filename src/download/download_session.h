@@ -5,6 +5,7 @@
 /// Numbers of the exchanges with the module; 0 is none.
 namespace commandType {
 inline constexpr int idle = 0;
+inline constexpr int osDownload = 2;
 inline constexpr int readRegister = 7;
 inline constexpr int readVp = 8;
 inline constexpr int systemReset = 10;
@@ -14,6 +15,10 @@ inline constexpr int fontDownload = 13;
 inline constexpr int pictureDownload = 14;
 inline constexpr int curve = 15;
 inline constexpr int freeForm = 16;
+inline constexpr int bmpDownload = 17;
+inline constexpr int jpgDownload = 18;
+inline constexpr int icoDownload = 19;
+inline constexpr int pagedBmpDownload = 20;
 } // namespace commandType
 
 /// The exchange that is running. Pages start one, the heartbeat counts its ticks, its step ends it.
@@ -30,8 +35,14 @@ struct DownloadSession
     /// be prepared before.
     void start(int type)
     {
-        commandType = type;
         tick = 0;
+        takeOver(type);
+    }
+
+    /// Starts the exchange `type` as well, but goes on counting the ticks of the one it replaces.
+    void takeOver(int type)
+    {
+        commandType = type;
         ++starts;
     }
 };

@@ -4,12 +4,11 @@
 
 #include "common/file_dialogs.h"
 #include "common/notices.h"
+#include "common/read_file.h"
 #include "common/tool_settings.h"
 #include "download/block_download.h"
 #include "download/download_table.h"
 #include "download/step_dispatch.h"
-
-#include <QFile>
 
 namespace {
 
@@ -84,9 +83,8 @@ void FontDownloadPage::on_downloadFont_clicked()
     QVector<BlockDownload::Block> blocks;
     for (int row = 0; row < positions->size(); ++row) {
         // A file that cannot be read is skipped.
-        QFile file(m_list.paths.at(row));
-        if (file.open(QIODevice::ReadOnly))
-            appendBlocks(blocks, positions->at(row), file.readAll());
+        if (const auto content = readFile(m_list.paths.at(row)))
+            appendBlocks(blocks, positions->at(row), *content);
     }
     if (!blocks.isEmpty())
         m_download->start(blocks);

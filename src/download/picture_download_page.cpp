@@ -5,13 +5,12 @@
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/picture.h"
+#include "common/read_file.h"
 #include "common/tool_settings.h"
 #include "download/block_download.h"
 #include "download/download_table.h"
 #include "download/step_dispatch.h"
 #include "serial/serial_set.h"
-
-#include <QFile>
 
 #include <optional>
 
@@ -127,9 +126,8 @@ void PictureDownloadPage::on_serialSet_2_clicked()
 
 void PictureDownloadPage::convert(const QString &path)
 {
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly))
-        m_data.append(pixels(file.readAll()));
+    if (const auto content = readFile(path))
+        m_data.append(pixels(*content));
 }
 
 QByteArray PictureDownloadPage::pixels(const QByteArray &content)

@@ -35,6 +35,13 @@ void Step::finish()
     m_link.close();
 }
 
+void Step::complete()
+{
+    finish();
+    m_session.replyReceived = false;
+    m_notices.warn(texts::downloadComplete);
+}
+
 void Step::fail()
 {
     finish();

@@ -34,6 +34,8 @@ protected:
     bool ensureOpen();
     /// Ends the exchange and closes the link.
     void finish();
+    /// Ends the exchange as a download that the module has got whole, and says so.
+    void complete();
     /// Puts the step's own state back to where a new exchange begins; called when one ends.
     virtual void rewind() {}
 

@@ -1,5 +1,7 @@
 #include "download/step_dispatch.h"
 
+#include <limits>
+
 void StepDispatch::add(int commandType, std::unique_ptr<Step> step)
 {
     m_steps[commandType] = std::move(step);
@@ -11,7 +13,9 @@ void StepDispatch::tick()
         m_session.tick = 0;
         return;
     }
-    ++m_session.tick;
+    // An exchange without an end may count for weeks.
+    if (m_session.tick < std::numeric_limits<int>::max())
+        ++m_session.tick;
     if (Step *step = current())
         step->step();
 }

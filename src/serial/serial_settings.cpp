@@ -31,7 +31,7 @@ int linkRate(int chosen)
 
 int waitRate(int chosen)
 {
-    return chosen == 0 ? fallbackRate : chosen;
+    return chosen <= 0 ? fallbackRate : chosen;
 }
 
 void applyToLink(const SerialSettings &settings, SerialLink &link)

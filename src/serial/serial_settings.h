@@ -22,7 +22,7 @@ QString devicePath(const QString &portName);
 /// the link does not accept, the offered 230400, 460800 and 921600 among them.
 int linkRate(int chosen);
 
-/// The rate in bit/s for computing waits: the chosen one, with 0 counting as 115200.
+/// The rate in bit/s for computing waits: the chosen one; 115200 when that is no positive number.
 int waitRate(int chosen);
 
 void applyToLink(const SerialSettings &settings, SerialLink &link);

@@ -1,28 +1,17 @@
-#include "support/file_dialogs.h"
+#include "support/random_bytes.h"
 #include "support/window_test.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QPainter>
 #include <QProgressBar>
-#include <QRandomGenerator>
 #include <QTableWidget>
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
 
 const QString complete = "The download is complete !";
 const QString failure = "Communication failure !";
-
-QByteArray randomBytes(int count)
-{
-    QRandomGenerator random(static_cast<quint32>(count));
-    QByteArray bytes(count, 0);
-    for (char &byte : bytes)
-        byte = static_cast<char>(random.bounded(256));
-    return bytes;
-}
 
 /// The module's pixels of `image` at `width` x `height`, by the definition.
 QByteArray expectedPixels(const QImage &image, int width, int height)
@@ -70,35 +59,14 @@ private:
     {
         return find<QTableWidget>(table)->item(row, column)->text();
     }
-    QString write(const QString &name, const QByteArray &content)
-    {
-        const QString path = m_folder->filePath(name);
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(path));
-        return path;
-    }
-    void choose(const QString &button, const QStringList &paths)
-    {
-        chooseInNextDialog(paths);
-        click(button);
-    }
     QByteArray block(int number, int bytes)
     {
         return module().flash().read(number * k7::Flash::blockBytes, bytes);
     }
-    void waitForBox()
-    {
-        runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 20000);
-    }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 void TestEd2Downloads::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
     QVERIFY(openWindow());
 }
 

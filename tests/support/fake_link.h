@@ -4,6 +4,8 @@
 
 #include <QVector>
 
+#include <functional>
+
 /// A link without a device, which remembers what is done with it.
 class FakeLink final : public SerialLink
 {
@@ -14,6 +16,7 @@ public:
     int opens = 0;
     int closes = 0;
     QVector<QByteArray> written;
+    std::function<void(const QByteArray &)> whenWritten = [](const QByteArray &) {};
 
     void setPortName(const QString &portName) override { name = portName; }
     void setBaudRate(int baudRate) override { rate = baudRate; }
@@ -34,8 +37,10 @@ public:
     }
     void write(const QByteArray &bytes) override
     {
-        if (m_isOpen)
-            written.append(bytes);
+        if (!m_isOpen)
+            return;
+        written.append(bytes);
+        whenWritten(bytes);
     }
     QByteArray readAll() override { return {}; }
     void poll() override {}

@@ -4,10 +4,12 @@
 #include "common/program_folder.h"
 #include "simulator/simulator.h"
 #include "support/event_loop.h"
+#include "support/file_dialogs.h"
 #include "support/message_boxes.h"
 
 #include <QFile>
 #include <QPushButton>
+#include <QTemporaryDir>
 
 #include <memory>
 
@@ -20,6 +22,7 @@ protected:
     bool openWindow()
     {
         QFile::remove(programFolder() + "/SystemConfig.ini");
+        m_folder = std::make_unique<QTemporaryDir>();
         m_boxes = std::make_unique<MessageBoxes>();
         m_simulator = std::make_unique<k7::Simulator>();
         if (!m_simulator->start())
@@ -46,8 +49,28 @@ protected:
         return widget;
     }
     void click(const QString &name) { find<QPushButton>(name)->click(); }
+    /// Presses `button` and chooses `paths` in the file dialog that it opens; none cancels it.
+    void choose(const QString &button, const QStringList &paths)
+    {
+        chooseInNextDialog(paths);
+        click(button);
+    }
+    /// The path of a new file in a folder that goes with the window.
+    QString write(const QString &name, const QByteArray &content)
+    {
+        const QString path = m_folder->filePath(name);
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
+    }
+    void waitForBox()
+    {
+        runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 20000);
+    }
     k7::Module &module() { return m_simulator->module(); }
 
+    std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<k7::Simulator> m_simulator;
     std::unique_ptr<Dialog> m_dialog;
     std::unique_ptr<MessageBoxes> m_boxes;

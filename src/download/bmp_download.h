@@ -1,0 +1,41 @@
+#pragma once
+
+#include "download/staged_download.h"
+
+/// A picture, as RGB565 bytes, that goes over UART2. The module moves each staged chunk on to its
+/// destination: chunks of 240 bytes one after the other into picture memory, or, on K7UID2, chunks
+/// of 8192 bytes into a picture page.
+class BmpDownload final : public StagedDownload
+{
+public:
+    /// What differs between the two.
+    struct Kind
+    {
+        int commandType;
+        int chunkBytes;
+        int frameBytes; ///< of data in one of the frames that stage a chunk
+        bool isFilled;  ///< whether a short last chunk is filled up with zeros
+        int sendBits;   ///< what the line carries until the acknowledgement must be there
+        int chunkBits;  ///< what it carries until the chunk has been moved
+        /// The words that move chunk `index`.
+        std::function<QVector<int>(int index)> moveCommand;
+    };
+
+    static Kind linear();
+    /// Into the page that `page` names when a chunk is moved.
+    static Kind paged(std::function<int()> page);
+
+    BmpDownload(DownloadSession &session, SerialLink &link, Notices &notices, FrameBuilder &builder,
+                const Window &window, const Kind &kind);
+
+    /// Starts sending `pixels`; there must be some.
+    void start(const QByteArray &pixels);
+    void step() override;
+
+private:
+    static constexpr quint16 moveAddress = 0x00A2;
+
+    void stage(QByteArray chunk);
+
+    const Kind m_kind;
+};

@@ -1,0 +1,34 @@
+#include "download/jpeg_file.h"
+
+#include "common/picture.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+QByteArray compressed(const QImage &image, int quality)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("SystemTest.jpg"));
+    if (!image.save(file.fileName(), "JPG", quality) || !file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+} // namespace
+
+QByteArray jpegWithin(const QByteArray &content, int maxBytes)
+{
+    if (content.size() <= maxBytes)
+        return content;
+    const QImage image = picture::decode(content);
+    if (image.isNull())
+        return {};
+    for (double quality = 90; quality >= 1; quality *= 0.9) {
+        const QByteArray jpeg = compressed(image, static_cast<int>(quality));
+        if (jpeg.size() <= maxBytes)
+            return jpeg;
+    }
+    return {};
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "download/step.h"
+
+#include <functional>
+
+/// The module's operating system, which goes over UART2 in one write: announced by a system frame,
+/// then all frames back to back. When the module has acknowledged them it is restarted.
+///
+/// An exchange that another one replaces keeps its stage, and the next one goes on from there; that
+/// is wanted. So is that the outcome is final only after its box: each tick meanwhile opens another
+/// box, up to `maxBoxes`.
+class OsDownload final : public Step
+{
+public:
+    static constexpr int maxBoxes = 4;
+    static constexpr int bootBytes = 0x1000; ///< at the start of the file, which are never sent
+    static constexpr quint16 firstAddress = 0x1000;
+    /// The longest file whose words fit between `firstAddress` and the end of the VP memory.
+    static constexpr int maxFileBytes = bootBytes + 2 * (FrameBuilder::vpWords - firstAddress);
+
+    /// `rate` tells the bit/s for the waits, positive.
+    OsDownload(DownloadSession &session, SerialLink &link, Notices &notices, FrameBuilder &builder,
+               std::function<int()> rate);
+
+    /// Builds the frames of `file`, `bootBytes` to `maxFileBytes` long, with the header and CRC
+    /// settings of this moment.
+    void load(const QByteArray &file);
+    /// Nothing was loaded, or nothing behind the boot bytes.
+    bool isEmpty() const { return m_frames.isEmpty(); }
+
+    void step() override;
+
+protected:
+    void rewind() override { m_stage = Stage::Announce; }
+
+private:
+    enum class Stage { Announce, Send, Verdict };
+
+    void announce();
+    void send();
+    void judge();
+    void enter(Stage stage);
+
+    FrameBuilder &m_builder;
+    const std::function<int()> m_rate;
+    QByteArray m_frames;
+    Stage m_stage = Stage::Announce;
+    int m_openBoxes = 0;
+};
