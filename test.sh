@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 scripts/install-packages.sh
 
-find src simulator tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run -Werror
+find src simulator tests bench fuzz -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run -Werror
 for preset in asan debug; do
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"

@@ -175,7 +175,7 @@ void Dialog::buildPages()
     m_pictureDownload = new PictureDownloadPage(context);
     ed2->addTab(m_pictureDownload, "Image Download");
 
-    m_tabs->addTab(new SystemConfigPage, "System configuration");
+    m_tabs->addTab(new SystemConfigPage(context), "System configuration");
     m_imageConversion = new ImageConversionPage;
     m_tabs->addTab(m_imageConversion, "Image conversion");
     m_tabs->addTab(new CrcPage, "CRC_Check");

@@ -7,6 +7,16 @@ QString WidgetFileDialogs::openFile(const QString &start, const QString &pattern
     return QFileDialog::getOpenFileName(m_parent, QString(), start, dialogFilter(patterns));
 }
 
+QString WidgetFileDialogs::saveFile(const QString &patterns)
+{
+    return QFileDialog::getSaveFileName(m_parent, QString(), QString(), dialogFilter(patterns));
+}
+
+QString WidgetFileDialogs::openFolder(const QString &caption, const QString &start)
+{
+    return QFileDialog::getExistingDirectory(m_parent, caption, start);
+}
+
 QStringList WidgetFileDialogs::openFiles(const QString &start, const QString &patterns)
 {
     return QFileDialog::getOpenFileNames(m_parent, QString(), start, dialogFilter(patterns));

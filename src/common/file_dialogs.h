@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Asks the user for files.
+/// Asks the user for files and folders.
 class FileDialogs
 {
 public:
@@ -11,6 +11,12 @@ public:
 
     /// An existing file, as openFiles() asks for several. Empty when the user cancels.
     virtual QString openFile(const QString &start, const QString &patterns) = 0;
+
+    /// A file to write, which may exist. Empty when the user cancels.
+    virtual QString saveFile(const QString &patterns) = 0;
+
+    /// An existing folder, starting at `start`. Empty when the user cancels.
+    virtual QString openFolder(const QString &caption, const QString &start) = 0;
 
     /// Existing files, starting at the folder or file `start`. `patterns` are parted by semicolons,
     /// such as "*.bin;*.ICO". Empty when the user cancels.

@@ -34,6 +34,11 @@ inline constexpr Text osFileTooSmall{"The OS file size is less than 0X1000 !",
 inline constexpr Text osFileTooLarge{
     "The OS file is too large !\nThe module takes files of up to 126976 bytes.",
     "OS文件过大！\n模块最多接受126976字节的文件。"};
+inline constexpr Text notCfgFile{"The file is not the correct CFG file !",
+                                 "该文件不是正确的CFG文件！"};
+inline constexpr Text folderNameTooLong{"The folder name is longer than 8 !",
+                                        "文件夹字符数量超过8！"};
+inline constexpr Text keyError{"Decryption data error !", "加密数据错误！"};
 inline constexpr Text fileTooLarge{"The file is too large !", "文件过大！"};
 inline constexpr Text downloadFailed{"Download failed !", "下载失败！"};
 

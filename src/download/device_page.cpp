@@ -201,6 +201,13 @@ void DevicePage::addDownloads()
                        std::make_unique<OsDownload>(session, link, notices, builder, window.rate));
 }
 
+void DevicePage::on_K7UIModel_2_currentTextChanged()
+{
+    // Every layout takes both.
+    m_ui->downloadBMPGroup->setEnabled(true);
+    m_ui->renewalPageNow->setEnabled(true);
+}
+
 void DevicePage::on_openBmpFile_clicked()
 {
     const QString path = m_context.fileDialogs.openFile(m_context.settings.imageFolder(),

@@ -55,6 +55,7 @@ private slots:
 
     void on_serialSet_clicked();
 
+    void on_K7UIModel_2_currentTextChanged();
     void on_openBmpFile_clicked();
     void on_downloadBmpFile_clicked();
     void on_openJpgFile_clicked();

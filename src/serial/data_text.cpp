@@ -1,25 +1,18 @@
 #include "serial/data_text.h"
 
 #include "common/big_endian.h"
+#include "common/hex_text.h"
 
 namespace dataText {
 
 std::optional<QByteArray> fromHex(const QString &text)
 {
-    QByteArray digits;
-    for (const QChar c : text) {
-        const char digit = c.toLatin1();
-        if (digit == ' ')
-            continue;
-        const bool isDigit = (digit >= '0' && digit <= '9') || (digit >= 'A' && digit <= 'F') ||
-                             (digit >= 'a' && digit <= 'f');
-        if (!isDigit)
-            return std::nullopt;
-        digits.append(digit);
-    }
-    if (digits.size() % 2 != 0)
-        digits.prepend('0');
-    return QByteArray::fromHex(digits);
+    auto digits = hexText::digitsOf(text);
+    if (!digits)
+        return std::nullopt;
+    if (digits->size() % 2 != 0)
+        digits->prepend('0');
+    return QByteArray::fromHex(*digits);
 }
 
 std::optional<QByteArray> toBytes(const QString &text, bool isHex)

@@ -148,13 +148,14 @@ void TestUart2Downloads::systemFilesRestartTheModule()
 
 void TestUart2Downloads::waitsFollowTheChosenRate()
 {
-    // The link itself runs at 115200 then, where the same download completes.
-    chooseRate(921600);
-    choose("openJpgFile", {write("a.jpg", randomBytes(300))});
-    click("downloadJpgFile");
-    runEventLoopUntil([this] { return !module().jpeg().content.isEmpty(); });
-    QVERIFY(!module().jpeg().content.isEmpty());
-    runEventLoop(200);
+    k7::Behaviour silent;
+    silent.silent = true;
+    m_simulator->setBehaviour(silent);
+    chooseRate(1200);
+    choose("openBmpFile", {writePicture("1.bmp", QImage(8, 8, QImage::Format_RGB32))});
+    click("downloadBmpFile");
+    // At the default rate the acknowledgement would be missed 29 ticks from here, not 2667.
+    runEventLoop(500);
     QCOMPARE(m_boxes->texts, QStringList());
 }
 
