@@ -132,7 +132,7 @@ void SystemConfigPage::on_K7UIModel_currentTextChanged()
         widget->setEnabled(isK7Uid1);
     m_ui->tconSet->setEnabled(!isK7Uid1);
     fillSizes();
-    on_K7UISize_activated();
+    showEdge();
 }
 
 void SystemConfigPage::fillSizes()
@@ -142,7 +142,12 @@ void SystemConfigPage::fillSizes()
         m_ui->K7UISize->addItem(timing.size);
 }
 
-void SystemConfigPage::on_K7UISize_activated()
+void SystemConfigPage::on_K7UISize_activated(const QString & /*size*/)
+{
+    showEdge();
+}
+
+void SystemConfigPage::showEdge()
 {
     const QVector<ScreenTiming> timings = screenTimings(m_ui->K7UIModel->currentIndex());
     const int index = m_ui->K7UISize->currentIndex();

@@ -32,7 +32,7 @@ public:
 
 private slots:
     void on_K7UIModel_currentTextChanged();
-    void on_K7UISize_activated();
+    void on_K7UISize_activated(const QString &size);
     void on_encryptionFolderName_textChanged(const QString &name);
     void on_encryptionKey_textChanged(const QString &key);
     void on_openZoltsetFolder_clicked();
@@ -50,6 +50,8 @@ private:
     /// Chooses the first size of the layout that has `timing`, if one has.
     void showTiming(const QByteArray &timing);
     void fillSizes();
+    /// Chooses the PCLK edge of the chosen size.
+    void showEdge();
     void showVerdict(const encryptionTexts::Verdict &verdict);
     /// Asks for a file, and writes `image` to it with the settings put in.
     void writeFile(const QByteArray &image);

@@ -263,12 +263,11 @@ void TestSystemConfig::sizesChooseTheirEdge()
 {
     find<QComboBox>("K7UIModel")->setCurrentText("K7UID3");
     auto *sizes = find<QComboBox>("K7UISize");
-    for (const auto &[index, button] : {std::pair(1, "pclkFallingEdge"),
-                                        {3, "pclkRisingEdge"},
-                                        {2, "pclkFallingEdge"},
-                                        {0, "pclkRisingEdge"}}) {
-        sizes->setCurrentIndex(index);
-        emit sizes->activated(index);
+    for (const auto &[key, button] : {std::pair(Qt::Key_Down, "pclkFallingEdge"),
+                                      {Qt::Key_End, "pclkRisingEdge"},
+                                      {Qt::Key_Up, "pclkFallingEdge"},
+                                      {Qt::Key_Home, "pclkRisingEdge"}}) {
+        QTest::keyClick(sizes, key);
         QVERIFY(isChecked(button));
     }
 }
