@@ -7,5 +7,5 @@ std::optional<QByteArray> readFile(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly) || file.size() > maxFileBytes)
         return std::nullopt;
-    return file.read(maxFileBytes);
+    return file.read(file.size());
 }

@@ -239,9 +239,10 @@ void DevicePage::on_openJpgFile_clicked()
         return;
     m_context.settings.rememberImagePath(path);
     m_ui->bmpFilePathLabel->setText(path);
-    const QByteArray content = readFile(path).value_or(QByteArray());
-    m_jpeg = jpegWithin(content, JpgDownload::maxBytes);
-    if (m_jpeg.isEmpty() && !content.isEmpty())
+    const auto content = readFile(path);
+    m_jpeg = content ? jpegWithin(*content, JpgDownload::maxBytes) : QByteArray();
+    const bool isEmptyFile = content && content->isEmpty();
+    if (m_jpeg.isEmpty() && !isEmptyFile)
         m_context.notices.warn(texts::fileIsNotPicture);
 }
 
@@ -275,7 +276,7 @@ void DevicePage::on_downloadOsFile_clicked()
     if (m_osDownload->isEmpty())
         m_context.notices.warn(texts::unselectedOsFile);
     else
-        m_context.session.takeOver(commandType::osDownload);
+        m_osDownload->start();
 }
 
 void DevicePage::on_openIcpFile_clicked()

@@ -32,11 +32,14 @@ void Heartbeat::onTimeout()
 void Heartbeat::runDueTicks()
 {
     m_readLinks();
-    const qint64 now = m_time.nsecsElapsed();
     if (m_session.starts != m_startsSeen) {
         m_startsSeen = m_session.starts;
-        m_clock.restart(now - TickClock::tickNanoseconds);
+        m_dispatch.tick();
+        // The waits count from here: opening a port takes its time, which must not shorten them.
+        m_clock.restart(m_time.nsecsElapsed());
+        return;
     }
+    const qint64 now = m_time.nsecsElapsed();
     m_clock.limit(now);
     // An exchange that a tick starts waits for its own first timeout.
     while (m_session.starts == m_startsSeen && m_session.commandType != commandType::idle &&

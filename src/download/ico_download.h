@@ -6,8 +6,10 @@
 /// 256 chunks the staged 32 KiB are moved there; the file is filled up with zeros to whole such
 /// units.
 ///
-/// At rates where the acknowledgement would have to come on the tick that sends, the exchange does
-/// not get past its first chunk, and stays open until another command ends it. That is wanted.
+/// The tick that ends a chunk is set when the chunk before it is acknowledged, and lives on between
+/// downloads. At a rate other than the last one's it may come before the tick that tests the
+/// acknowledgement; at very high rates that tick never comes. The exchange then does not get past
+/// its first chunk, and stays open until another command ends it. That is wanted.
 class IcoDownload final : public StagedDownload
 {
 public:
@@ -28,6 +30,5 @@ private:
 
     const std::function<bool()> m_isK7Uid1;
     int m_number = 0;
-    /// Ends the current chunk. Lives on between downloads; that is wanted. 0 before the first step.
-    int m_endTick = 0;
+    int m_endTick = 0; ///< of the current chunk; 0 before the first step
 };

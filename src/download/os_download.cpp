@@ -23,6 +23,12 @@ void OsDownload::load(const QByteArray &file)
                                                 static_cast<quint8>(qMin(frameWords, words - i)));
 }
 
+void OsDownload::start()
+{
+    m_sent = m_frames;
+    m_session.takeOver(commandType::osDownload);
+}
+
 void OsDownload::step()
 {
     switch (m_stage) {
@@ -35,7 +41,7 @@ void OsDownload::step()
         break;
     case Stage::Verdict:
         // 13 bits a byte leave room for pauses; 468 bytes are the module's time to take them in.
-        if (m_session.tick > lineTicks((m_frames.size() + 468) * 13, m_rate()) + 1)
+        if (m_session.tick > lineTicks((m_sent.size() + 468) * 13, m_rate()) + 1)
             judge();
         break;
     }
@@ -57,7 +63,7 @@ void OsDownload::send()
     // These words stay in the mirror and are never sent. That is wanted.
     m_builder.setVp(0x0006, 0x5A10);
     m_builder.setVp(0x0007, firstAddress);
-    m_link.write(m_frames);
+    m_link.write(m_sent);
     enter(Stage::Verdict);
 }
 

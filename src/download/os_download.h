@@ -29,6 +29,9 @@ public:
     /// Nothing was loaded, or nothing behind the boot bytes.
     bool isEmpty() const { return m_frames.isEmpty(); }
 
+    /// Starts sending what was loaded last. A stage that an earlier exchange left stays, and so
+    /// does the tick.
+    void start();
     void step() override;
 
 protected:
@@ -44,7 +47,8 @@ private:
 
     FrameBuilder &m_builder;
     const std::function<int()> m_rate;
-    QByteArray m_frames;
+    QByteArray m_frames; ///< that were loaded last
+    QByteArray m_sent;   ///< of the running exchange
     Stage m_stage = Stage::Announce;
     int m_openBoxes = 0;
 };

@@ -45,5 +45,6 @@ void Step::complete()
 void Step::fail()
 {
     finish();
+    m_session.replyReceived = false; // of a device that was lost, it must not count for the next
     m_notices.warn(texts::communicationFailure);
 }

@@ -119,6 +119,7 @@ void TestUart2Downloads::iconsGoToTheBlockOfTheirName()
     QCOMPARE(shownPath(), path);
     QCOMPARE(setting("DefaultPath/icoDefaultPath").toString(), path);
     QCOMPARE(find<QSpinBox>("icoPositionID")->value(), 3);
+    find<QSpinBox>("icoPositionID")->setValue(9); // shows the number, and no more
     click("downloadIcoFile");
     runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 60000);
     QCOMPARE(m_boxes->texts, QStringList{complete});
@@ -131,6 +132,8 @@ void TestUart2Downloads::systemFilesRestartTheModule()
     const QString path = write("os.bin", QByteArray(4096, 0) + system);
     choose("openOsFile", {path});
     QCOMPARE(shownPath(), path);
+    choose("openOsFile", {write("refused.bin", "short")});
+    m_boxes->texts.clear();
     m_boxes->answers = false;
     // All boxes are there by then: each is closed with time for a reset before the next.
     QTimer::singleShot(2000, this, [this] {

@@ -69,6 +69,7 @@ private slots:
     void blockedWindowNeverRunsMoreThanFourTicksAtOnce();
     void linksAreReadBeforeTicksAreJudged();
     void exchangeAfterAPauseBeginsWithOneTick();
+    void waitsCountFromTheEndOfTheFirstTick();
 };
 
 void TestHeartbeat::clockCountsWholeMilliseconds()
@@ -182,6 +183,25 @@ void TestHeartbeat::exchangeAfterAPauseBeginsWithOneTick()
     bench.session.start(type);
     COMPARE_SOON(bench.session.commandType, int(commandType::idle));
     QCOMPARE(ticksInFirstPass, 1);
+}
+
+void TestHeartbeat::waitsCountFromTheEndOfTheFirstTick()
+{
+    Bench bench;
+    QElapsedTimer sinceFirst;
+    qint64 wait = 0;
+    bench.step->onTick = [&](int tick) {
+        if (tick == 1) {
+            QThread::msleep(20); // a port that opens slowly
+            sinceFirst.start();
+        } else {
+            wait = sinceFirst.nsecsElapsed();
+            bench.session.commandType = commandType::idle;
+        }
+    };
+    bench.session.start(type);
+    runEventLoopUntil([&wait] { return wait != 0; });
+    QVERIFY(wait >= millisecond);
 }
 
 QTEST_GUILESS_MAIN(TestHeartbeat)

@@ -211,13 +211,15 @@ void TestUartDownloads::osFilesArrive_data()
 {
     QTest::addColumn<int>("rate");
     QTest::addColumn<int>("bytes");
-    QTest::addColumn<int>("frameBytes"); // of all frames, without CRC
+    QTest::addColumn<int>("frameBytes"); // of all frames
+    QTest::addColumn<bool>("crc");
     for (const int rate : {9600, 115200, 6250000}) {
-        QTest::addRow("one odd byte at %d", rate) << rate << 1 << 8;
-        QTest::addRow("one frame at %d", rate) << rate << 250 << 256;
-        QTest::addRow("one frame and a byte at %d", rate) << rate << 251 << 256 + 8;
-        QTest::addRow("many frames at %d", rate) << rate << 95904 << 383 * 256 + 160;
-        QTest::addRow("all the memory at %d", rate) << rate << 122880 << 491 * 256 + 136;
+        QTest::addRow("one odd byte at %d", rate) << rate << 1 << 8 << false;
+        QTest::addRow("one frame at %d", rate) << rate << 250 << 256 << false;
+        QTest::addRow("one frame and a byte at %d", rate) << rate << 251 << 256 + 8 << false;
+        QTest::addRow("many frames at %d", rate) << rate << 95904 << 383 * 256 + 160 << false;
+        QTest::addRow("all the memory at %d", rate) << rate << 122880 << 491 * 256 + 136 << false;
+        QTest::addRow("with CRC at %d", rate) << rate << 251 << 258 + 10 << true;
     }
 }
 
@@ -226,10 +228,11 @@ void TestUartDownloads::osFilesArrive()
     QFETCH(const int, rate);
     QFETCH(const int, bytes);
     QFETCH(const int, frameBytes);
-    Bench bench(rate);
+    QFETCH(const bool, crc);
+    Bench bench(rate, crc);
     const QByteArray data = randomBytes(bytes);
     bench.os->load(QByteArray(4096, '\x11') + data);
-    bench.session.start(commandType::osDownload);
+    bench.os->start();
     bench.notices.whileOpen = [&bench] {
         QCOMPARE(bench.session.commandType, commandType::osDownload);
         QVERIFY(bench.link.isOpen());
@@ -238,7 +241,7 @@ void TestUartDownloads::osFilesArrive()
     QCOMPARE(bench.notices.shown, QStringList{complete});
     // The announcement, the file in one piece, and then the two frames of the reset.
     QCOMPARE(bench.link.written.size(), 4);
-    QCOMPARE(bench.link.written.at(0).toHex(), QByteArray("5aa5048f0000a0"));
+    QCOMPARE(bench.link.written.at(0).mid(3, 4).toHex(), QByteArray("8f0000a0"));
     QCOMPARE(bench.link.written.at(1).size(), frameBytes);
     QVERIFY(bench.moduleVp(0x1000, bytes) == data);
     QCOMPARE(bench.module.restarts(), 1);
@@ -465,7 +468,7 @@ void TestUartDownloads::osFramesKeepTheSettingsOfTheirTime()
     QVERIFY(bench.os->isEmpty());
     bench.os->load(QByteArray(4096, 0) + "a");
     bench.builder.setHeader(0x11, 0x22, true);
-    bench.session.start(commandType::osDownload);
+    bench.os->start();
     bench.tick(100);
     QCOMPARE(bench.link.written.at(1), QByteArray::fromHex("5AA505821000 6100"));
 }
@@ -474,7 +477,7 @@ void TestUartDownloads::osStageSurvivesItsReplacement()
 {
     Bench bench;
     bench.os->load(QByteArray(4096, 0) + "ab");
-    bench.session.start(commandType::osDownload);
+    bench.os->start();
     bench.tick(20); // announced and sent
     QCOMPARE(bench.link.written.size(), 2);
     bench.start(commandType::bmpDownload, randomBytes(2));
@@ -482,12 +485,16 @@ void TestUartDownloads::osStageSurvivesItsReplacement()
     const int written = bench.link.written.size();
     bench.notices = {};
     // Nothing is sent again; the acknowledgements of the first time are gone.
-    bench.session.takeOver(commandType::osDownload);
+    bench.os->start();
     QVERIFY(bench.finish());
     QCOMPARE(bench.notices.shown, QStringList{"Download failed !"});
     QCOMPARE(bench.link.written.size(), written);
-    bench.session.takeOver(commandType::osDownload);
+    // A file that is loaded meanwhile waits for the next download.
+    bench.os->start();
+    bench.tick(1);
+    bench.os->load(QByteArray(4096, 0) + "cd");
     QVERIFY(bench.finish());
+    QCOMPARE(bench.moduleVp(0x1000, 2), QByteArray("ab"));
     QCOMPARE(bench.module.restarts(), 1);
 }
 
@@ -508,7 +515,7 @@ void TestUartDownloads::osVerdictComesBeforeItsFields()
     Bench bench;
     bench.answers = answers;
     bench.os->load(QByteArray(4096, 0) + "ab");
-    bench.session.start(commandType::osDownload);
+    bench.os->start();
     // Ticks go on while a box is open, and each opens one more. Each that is closed starts a reset.
     bench.notices.whileOpen = [&bench] { bench.tick(100); };
     QVERIFY(bench.finish());

@@ -12,6 +12,7 @@ class TestValues : public QObject
     Q_OBJECT
 
 private slots:
+    void ratesFallBackToTheDefault();
     void hexTextBecomesBytes_data();
     void hexTextBecomesBytes();
     void plainTextStaysAsItIs();
@@ -161,6 +162,17 @@ void TestValues::ratesFallBackTo115200()
     applyToLink({"COM12", chosen, 0, 0, false}, link);
     QTEST(link.rate, "rate");
     QCOMPARE(link.name, QString(R"(\\.\COM12)"));
+}
+
+void TestValues::ratesFallBackToTheDefault()
+{
+    // The link knows only some of the offered rates; waits are computed from the chosen one.
+    QCOMPARE(linkRate(9600), 9600);
+    QCOMPARE(linkRate(6250000), 6250000);
+    QCOMPARE(linkRate(921600), 115200);
+    QCOMPARE(waitRate(921600), 921600);
+    QCOMPARE(waitRate(0), 115200);
+    QCOMPARE(waitRate(-9600), 115200);
 }
 
 QTEST_APPLESS_MAIN(TestValues)
