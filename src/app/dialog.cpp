@@ -162,8 +162,8 @@ void Dialog::buildPages()
             [this](const QString &language) { m_language.apply(language); });
     m_tabs->addTab(m_zeroFont, "Creat zero font library");
     QTabWidget *ico = addInnerTabs(m_tabs, "creatICOTab", "ICO Manager", "tabWidgetICO");
-    ico->addTab(new IcoGeneratorPage, "ICO File Generator");
-    ico->addTab(new IcoPreviewPage, "Preview Of ICO File");
+    ico->addTab(new IcoGeneratorPage(context, m_icoManager), "ICO File Generator");
+    ico->addTab(new IcoPreviewPage(context, m_icoManager), "Preview Of ICO File");
 
     QTabWidget *uart = addInnerTabs(m_tabs, "tab", "Uart2 Communication", "tabWidgetSerial");
     m_assistant = new SerialAssistantPage(context);

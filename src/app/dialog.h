@@ -7,6 +7,7 @@
 #include "download/download_session.h"
 #include "download/heartbeat.h"
 #include "download/step_dispatch.h"
+#include "ico/ico_manager.h"
 #include "serial/frame_builder.h"
 #include "serial/qt_serial_link.h"
 #include "serial/reply_receiver.h"
@@ -82,6 +83,7 @@ private:
     TrafficLog m_trafficLog;
     MessageBoxNotices m_notices;
     WidgetFileDialogs m_fileDialogs;
+    IcoManager m_icoManager;
     SerialSet *m_uartSet;
     SerialSet *m_ed2Set;
     QTabWidget *m_tabs = nullptr;

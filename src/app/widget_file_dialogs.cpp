@@ -7,9 +7,9 @@ QString WidgetFileDialogs::openFile(const QString &start, const QString &pattern
     return QFileDialog::getOpenFileName(m_parent, QString(), start, dialogFilter(patterns));
 }
 
-QString WidgetFileDialogs::saveFile(const QString &patterns)
+QString WidgetFileDialogs::saveFile(const QString &start, const QString &patterns)
 {
-    return QFileDialog::getSaveFileName(m_parent, QString(), QString(), dialogFilter(patterns));
+    return QFileDialog::getSaveFileName(m_parent, QString(), start, dialogFilter(patterns));
 }
 
 QString WidgetFileDialogs::openFolder(const QString &caption, const QString &start)

@@ -11,7 +11,7 @@ public:
     explicit WidgetFileDialogs(QWidget *parent) : m_parent(parent) {}
 
     QString openFile(const QString &start, const QString &patterns) override;
-    QString saveFile(const QString &patterns) override;
+    QString saveFile(const QString &start, const QString &patterns) override;
     QString openFolder(const QString &caption, const QString &start) override;
     QStringList openFiles(const QString &start, const QString &patterns) override;
 

@@ -39,6 +39,15 @@ inline constexpr Text notCfgFile{"The file is not the correct CFG file !",
 inline constexpr Text folderNameTooLong{"The folder name is longer than 8 !",
                                         "文件夹字符数量超过8！"};
 inline constexpr Text keyError{"Decryption data error !", "加密数据错误！"};
+inline constexpr Text libraryFinished{"Creat finish！", "创建完成！"};
+inline constexpr Text invalidLibrary{"Invalid ICO file !", "无效的ICO文件！"};
+inline constexpr Text libraryTooLarge{
+    "The icons do not fit into one ICO file, which holds 512 MB. Nothing was written.",
+    "图标总量超出一个ICO文件的容量（512 MB），未写入任何内容。"};
+/// %1 are file names.
+inline constexpr Text misplacedPictures{
+    "Left out, because the number at the start of the name is above 32767: %1",
+    "以下图片文件名开头的编号大于32767，未写入：%1"};
 inline constexpr Text fileTooLarge{"The file is too large !", "文件过大！"};
 inline constexpr Text downloadFailed{"Download failed !", "下载失败！"};
 

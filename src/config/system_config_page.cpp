@@ -227,7 +227,7 @@ void SystemConfigPage::on_addCfgFile_clicked()
 
 void SystemConfigPage::writeFile(const QByteArray &image)
 {
-    const QString path = m_context.fileDialogs.saveFile("*.CFG");
+    const QString path = m_context.fileDialogs.saveFile(QString(), "*.CFG");
     if (path.isEmpty())
         return;
     const auto [filled, fault] = cfgImage::fill(image, settings());

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "ico/ico_manager.h"
+#include "serial/page_context.h"
+
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 namespace Ui {
@@ -14,9 +18,22 @@ class IcoGeneratorPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit IcoGeneratorPage(QWidget *parent = nullptr);
+    IcoGeneratorPage(const PageContext &context, IcoManager &manager, QWidget *parent = nullptr);
     ~IcoGeneratorPage() override;
 
+private slots:
+    void on_selectIcoPath_clicked();
+    void on_selectIcoFilePath_clicked();
+    void on_creatIcoFile_clicked();
+    void on_addIcoFile_clicked();
+    void on_replaceIcoFile_clicked();
+
 private:
+    void load(const QStringList &paths);
+    /// Has `change` write the library at `path`, and tells what came of it.
+    void write(const QString &path, const std::function<IcoManager::Outcome()> &change);
+
+    const PageContext m_context;
+    IcoManager &m_manager;
     std::unique_ptr<Ui::IcoGeneratorPage> m_ui;
 };
