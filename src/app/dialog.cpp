@@ -81,6 +81,7 @@ Dialog::Dialog(QWidget *parent)
 
     connectLinks();
     buildSteps();
+    connect(&m_heartbeat, &Heartbeat::fired, this, [this] { m_stepwiseZeroFont.step(); });
     m_heartbeat.start();
     loadSettings();
     openInitialTab();
@@ -157,7 +158,7 @@ void Dialog::buildPages()
     m_tabs->setObjectName("tabWidget");
     m_tabs->setGeometry(0, 0, 1010, 640);
 
-    m_zeroFont = new ZeroFontPage;
+    m_zeroFont = new ZeroFontPage(context);
     connect(m_zeroFont, &ZeroFontPage::languageChosen, this,
             [this](const QString &language) { m_language.apply(language); });
     m_tabs->addTab(m_zeroFont, "Creat zero font library");

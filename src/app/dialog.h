@@ -7,6 +7,8 @@
 #include "download/download_session.h"
 #include "download/heartbeat.h"
 #include "download/step_dispatch.h"
+#include "font/my_thread.h"
+#include "font/stepwise_zero_font.h"
 #include "ico/ico_manager.h"
 #include "serial/frame_builder.h"
 #include "serial/qt_serial_link.h"
@@ -93,4 +95,6 @@ private:
     ImageConversionPage *m_imageConversion = nullptr;
     StepDispatch m_dispatch;
     Heartbeat m_heartbeat;
+    StepwiseZeroFont m_stepwiseZeroFont;
+    MyThread m_fontThread;
 };

@@ -179,7 +179,8 @@ void readLock(const QByteArray &image, CfgSettings &settings)
 {
     // A length from 0x80 on is negative, which is no name.
     const int length = qMax(0, signedByteAt(image, nameLengthOffset));
-    settings.folderName = QString::fromLocal8Bit(image.mid(nameOffset, length));
+    const QByteArray name = image.mid(nameOffset, length).leftJustified(length, '\0');
+    settings.folderName = QString::fromLocal8Bit(name.constData(), name.size());
     const QByteArray key = image.mid(keyOffset, keyBytes).leftJustified(keyBytes, '\0');
     settings.key = QString::fromLatin1(key.toHex(' ') + ' ');
 }
@@ -241,8 +242,11 @@ CfgSettings read(const QByteArray &image, CfgSettings settings)
     if (divisor != 0)
         settings.baudRate = baudClock / divisor;
     for (const Option &option : options) {
-        settings.*option.isOn = isMarked(image, option);
-        if (settings.*option.isOn)
+        const bool isOn = isMarked(image, option);
+        // A file without this check leaves its box as it was. That is wanted.
+        if (isOn || option.isOn != &CfgSettings::checksSdFiles)
+            settings.*option.isOn = isOn;
+        if (isOn)
             for (const Number &number : option.numbers)
                 settings.*number.value = numberAt(image, number.offset, number.bytes);
     }

@@ -20,6 +20,7 @@ void Heartbeat::start()
 
 void Heartbeat::onTimeout()
 {
+    emit fired();
     if (m_session.commandType == commandType::idle) {
         m_dispatch.tick();
         return;

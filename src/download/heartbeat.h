@@ -25,6 +25,10 @@ public:
 
     void start();
 
+signals:
+    /// A millisecond has passed, or several; also while no exchange runs.
+    void fired();
+
 private:
     void onTimeout();
     void runDueTicks();

@@ -2,10 +2,18 @@
 
 #include "ui_zero_font_page.h"
 
+#include "common/notices.h"
+#include "common/wait_cursor.h"
+#include "font/zero_font.h"
+
+#include <QFontDialog>
 #include <QTimer>
 
-ZeroFontPage::ZeroFontPage(QWidget *parent)
-    : QWidget(parent), m_ui(std::make_unique<Ui::ZeroFontPage>())
+ZeroFontPage::ZeroFontPage(const PageContext &context, QWidget *parent)
+    : QWidget(parent)
+    , m_context(context)
+    , m_ui(std::make_unique<Ui::ZeroFontPage>())
+    , m_font("宋体", 8)
 {
     m_ui->setupUi(this);
     for (ushort code = 32; code <= 127; ++code)
@@ -37,4 +45,71 @@ void ZeroFontPage::on_systemLanguage_activated(const QString &language)
     if (!m_isTextChangeReported)
         emit languageChosen(language);
     m_isTextChangeReported = false;
+}
+
+void ZeroFontPage::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // After the window has appeared: the start must not wait for the preview.
+    if (!m_ui->fontDisplay->pixmap(Qt::ReturnByValue).isNull())
+        return;
+    QTimer::singleShot(0, this, &ZeroFontPage::drawPreview);
+}
+
+void ZeroFontPage::on_CreatZeroFont_clicked()
+{
+    {
+        const WaitCursor busy;
+        zeroFont::write(
+            zeroFont::make(style(), [this](int percent) { m_ui->progressBar->setValue(percent); }));
+    }
+    m_context.notices.warn(texts::libraryFinished);
+}
+
+void ZeroFontPage::on_selectFont_clicked()
+{
+    bool isChosen = false;
+    const QFont font = QFontDialog::getFont(&isChosen, m_font, this, "自定义文字属性");
+    if (!isChosen)
+        return;
+    m_font = font;
+    m_ui->label_font->setText("Font Name: " + font.family());
+    drawPreview();
+}
+
+void ZeroFontPage::on_comboBox_currentTextChanged()
+{
+    drawPreview();
+}
+
+void ZeroFontPage::on_horScale_valueChanged()
+{
+    drawPreview();
+}
+
+void ZeroFontPage::on_verScale_valueChanged()
+{
+    drawPreview();
+}
+
+void ZeroFontPage::on_horShift_valueChanged()
+{
+    drawPreview();
+}
+
+void ZeroFontPage::on_verShift_valueChanged()
+{
+    drawPreview();
+}
+
+GlyphStyle ZeroFontPage::style() const
+{
+    return {m_font, m_ui->horScale->value(), m_ui->verScale->value(), m_ui->horShift->value(),
+            m_ui->verShift->value()};
+}
+
+void ZeroFontPage::drawPreview()
+{
+    m_ui->fontDisplay->setPixmap(
+        QPixmap::fromImage(zeroFont::preview(m_ui->comboBox->currentText(), style())));
 }

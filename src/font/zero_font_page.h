@@ -1,20 +1,26 @@
 #pragma once
 
+#include "serial/page_context.h"
+
+#include <QFont>
 #include <QWidget>
 
 #include <memory>
+
+struct GlyphStyle;
 
 namespace Ui {
 class ZeroFontPage;
 }
 
-/// The zero-font generator: makes the built-in ASCII font file from a desktop font.
+/// The zero-font generator: makes the built-in ASCII font file from a desktop font. The language of
+/// the window is chosen here too.
 class ZeroFontPage : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit ZeroFontPage(QWidget *parent = nullptr);
+    explicit ZeroFontPage(const PageContext &context, QWidget *parent = nullptr);
     ~ZeroFontPage() override;
 
     /// Chooses one of the offered languages and asks for it, also when it is the shown one.
@@ -25,11 +31,26 @@ signals:
     /// a stored language shows an entry that may not be the language it has.
     void languageChosen(const QString &language);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private slots:
     void on_systemLanguage_currentTextChanged(const QString &language);
     void on_systemLanguage_activated(const QString &language);
+    void on_CreatZeroFont_clicked();
+    void on_selectFont_clicked();
+    void on_comboBox_currentTextChanged();
+    void on_horScale_valueChanged();
+    void on_verScale_valueChanged();
+    void on_horShift_valueChanged();
+    void on_verShift_valueChanged();
 
 private:
+    GlyphStyle style() const;
+    void drawPreview();
+
+    const PageContext m_context;
     std::unique_ptr<Ui::ZeroFontPage> m_ui;
+    QFont m_font;
     bool m_isTextChangeReported = false; ///< the choice that is under way was asked for already
 };

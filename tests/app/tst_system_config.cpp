@@ -310,15 +310,16 @@ void TestSystemConfig::typingIsJudged()
 
 void TestSystemConfig::folderFilesAreCounted()
 {
-    for (const char *name : {"1.bin", "2.BIN", "a.tar.Hzk", "x.ico", "bmp", "y.txt", "l.lib"})
+    for (const char *name : {"1.bin", "2.BIN", "a.tar.Hzk", "x.ico", "bmp", "y.txt", "l.lib",
+                             "d.dzk", "e.dzk", "f.dzk", "w.wav"})
         write(name, "");
     QVERIFY(QDir(m_folder->path()).mkdir("folder.wav"));
     QVERIFY(QFile::link(m_folder->filePath("1.bin"), m_folder->filePath("3.bin")));
     set("wavFileNumber", 9);
     choose("openZoltsetFolder", {m_folder->path()});
     QCOMPARE(find<QLineEdit>("displayZoltsetPath")->text(), m_folder->path());
-    const QMap<QString, int> counts{{"lib", 1}, {"bin", 2}, {"dzk", 0}, {"hzk", 1},
-                                    {"ico", 1}, {"wav", 0}, {"bmp", 0}};
+    const QMap<QString, int> counts{{"lib", 1}, {"bin", 2}, {"dzk", 3}, {"hzk", 1},
+                                    {"ico", 1}, {"wav", 1}, {"bmp", 0}};
     for (auto count = counts.begin(); count != counts.end(); ++count)
         QCOMPARE(value(count.key() + "FileNumber"), count.value());
     choose("openZoltsetFolder", {});
