@@ -177,7 +177,7 @@ void Dialog::buildPages()
     ed2->addTab(m_pictureDownload, "Image Download");
 
     m_tabs->addTab(new SystemConfigPage(context), "System configuration");
-    m_imageConversion = new ImageConversionPage;
+    m_imageConversion = new ImageConversionPage(context);
     m_tabs->addTab(m_imageConversion, "Image conversion");
     m_tabs->addTab(new CrcPage, "CRC_Check");
 }

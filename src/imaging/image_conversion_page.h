@@ -1,5 +1,10 @@
 #pragma once
 
+#include "imaging/picture_list.h"
+#include "serial/page_context.h"
+
+#include <QDateTime>
+#include <QImage>
 #include <QWidget>
 
 #include <memory>
@@ -14,7 +19,7 @@ class ImageConversionPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit ImageConversionPage(QWidget *parent = nullptr);
+    explicit ImageConversionPage(const PageContext &context, QWidget *parent = nullptr);
     ~ImageConversionPage() override;
 
     /// Offers `resolutions`, such as "480X272", in place of the built-in ones.
@@ -22,6 +27,45 @@ public:
     /// Shows `resolution` if it is offered.
     void showResolution(const QString &resolution);
 
+    // No button fires these; they are kept for those who call them.
+    void on_enlargement_clicked();
+    void on_shrink_clicked();
+
+private slots:
+    void on_addPicture_clicked();
+    void on_deletePicture_clicked();
+    void on_deleteAllPicture_clicked();
+    void on_upPicture_clicked();
+    void on_downPicture_clicked();
+    void on_pictureTable_clicked();
+    void on_scaleMultiple_currentTextChanged();
+    void on_pictureHorizontal_valueChanged();
+    void on_pictureVertical_valueChanged();
+    void on_pictureSrceen_currentTextChanged(const QString &size);
+    void on_imagesConversion_clicked();
+    void on_reNameImageConversion_clicked();
+
 private:
+    /// What was decoded last, and the state of its file at that moment.
+    struct Decoded
+    {
+        QString path;
+        QDateTime modified;
+        QImage image;
+    };
+
+    void onHeaderClicked(int section);
+    void move(int rows);
+    void showList();
+    void drawPreview();
+    /// The picture of the current row; decoded when it was not the current one before, or its file
+    /// has changed.
+    const QImage &currentPicture();
+    void convert(bool isRenamed);
+
+    const PageContext m_context;
     std::unique_ptr<Ui::ImageConversionPage> m_ui;
+    PictureList m_list;
+    QSize m_screen{480, 272};
+    Decoded m_decoded;
 };

@@ -1,0 +1,68 @@
+#include "imaging/picture_conversion.h"
+
+#include "common/picture.h"
+#include "common/read_file.h"
+
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+
+namespace pictureConversion {
+
+namespace {
+
+/// One name for each file, however its path is written.
+QString fileKey(const QString &path)
+{
+    return QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath() + '/' +
+           QFileInfo(path).fileName();
+}
+
+} // namespace
+
+QString outputPath(const ListedPicture &picture, const QString &folder, bool isRenamed)
+{
+    const QString prefix = isRenamed ? picture.number + '_' : QString();
+    return folder + '/' + prefix + picture.name.section('.', 0, 0) + ".bmp";
+}
+
+QVector<Batch> batches(const QVector<ListedPicture> &pictures, const QString &folder,
+                       bool isRenamed)
+{
+    Batch all;
+    QSet<QString> sources;
+    for (const ListedPicture &picture : pictures) {
+        all.append({picture.path, outputPath(picture, folder, isRenamed)});
+        sources.insert(fileKey(picture.path));
+    }
+    QVector<Batch> byOutput;
+    QHash<QString, int> batchOf;
+    for (const Job &job : qAsConst(all)) {
+        const QString key = fileKey(job.output);
+        // A picture is written over one that is converted too: the order decides what is read.
+        if (sources.contains(key))
+            return {all};
+        const auto found = batchOf.constFind(key);
+        if (found != batchOf.constEnd()) {
+            byOutput[*found].append(job);
+            continue;
+        }
+        batchOf.insert(key, byOutput.size());
+        byOutput.append({job});
+    }
+    return byOutput;
+}
+
+void run(const Batch &batch, const QSize &size)
+{
+    if (size.isEmpty() || qint64{size.width()} * size.height() > picture::maxPixels)
+        return;
+    for (const Job &job : batch) {
+        const QImage image = picture::decode(readFile(job.source).value_or(QByteArray()));
+        if (!image.isNull())
+            image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation)
+                .save(job.output, "BMP");
+    }
+}
+
+} // namespace pictureConversion

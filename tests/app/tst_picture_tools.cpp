@@ -1,0 +1,262 @@
+#include "font/zero_font.h"
+#include "support/window_test.h"
+
+#include <QComboBox>
+#include <QFontDialog>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QScrollBar>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QTableWidget>
+#include <QtTest>
+
+/// The picture list with its preview and conversion, and the zero font, in the real window.
+class TestPictureTools : public WindowTest
+{
+    Q_OBJECT
+
+private slots:
+    void init() { QVERIFY(openWindow()); }
+    void cleanup() { closeWindow(); }
+    void foldersAreListed();
+    void rowsAreMovedDeletedAndSorted();
+    void currentPictureIsShown();
+    void changedPicturesAreShownAnew();
+    void picturesAreConverted();
+    void zeroFontIsWritten();
+    void zeroFontFollowsItsSettings();
+
+private:
+    QString picture(const QString &name, const QColor &color, int width = 4, int height = 2)
+    {
+        QImage image(width, height, QImage::Format_RGB32);
+        image.fill(color);
+        const QString path = m_folder->filePath(name);
+        if (!image.save(path))
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
+    }
+    QStringList column(int column)
+    {
+        auto *table = find<QTableWidget>("pictureTable");
+        QStringList texts;
+        for (int row = 0; row < table->rowCount(); ++row)
+            texts.append(table->item(row, column)->text());
+        return texts;
+    }
+    void clickRow(int row)
+    {
+        auto *table = find<QTableWidget>("pictureTable");
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          table->visualItemRect(table->item(row, 1)).center());
+    }
+    void clickHeader(int section)
+    {
+        auto *header = find<QTableWidget>("pictureTable")->horizontalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          QPoint(header->sectionViewportPosition(section) + 5, 5));
+    }
+    QRgb shown(int x, int y)
+    {
+        return find<QLabel>("pictureLabel")->pixmap(Qt::ReturnByValue).toImage().pixel(x, y);
+    }
+    QImage fontPreview()
+    {
+        return find<QLabel>("fontDisplay")->pixmap(Qt::ReturnByValue).toImage();
+    }
+    int currentRow() { return find<QTableWidget>("pictureTable")->currentRow(); }
+    void openTab(int index) { find<QTabWidget>("tabWidget")->setCurrentIndex(index); }
+};
+
+void TestPictureTools::foldersAreListed()
+{
+    openTab(5);
+    picture("10.png", Qt::red);
+    picture("3b.png", Qt::red);
+    write("a.txt", "listed all the same");
+    QVERIFY(QDir(m_folder->path()).mkdir("folder"));
+    QVERIFY(QFile::link(m_folder->filePath("10.png"), m_folder->filePath("link.png")));
+    choose("addPicture", {m_folder->path()});
+    QCOMPARE(column(1), QStringList({"10.png", "3b.png", "a.txt"}));
+    QCOMPARE(column(0), QStringList({"10", "3", "4"}));
+    QCOMPARE(currentRow(), 0);
+    choose("addPicture", {});
+    QCOMPARE(column(1).size(), 3);
+    choose("addPicture", {m_folder->filePath("folder")});
+    QCOMPARE(column(1).size(), 0);
+    m_dialog.reset();
+    const QSettings settings(programFolder() + "/SystemConfig.ini", QSettings::IniFormat);
+    QCOMPARE(settings.value("DefaultPath/imageDefaultPath").toString(),
+             m_folder->filePath("folder"));
+}
+
+void TestPictureTools::rowsAreMovedDeletedAndSorted()
+{
+    openTab(5);
+    for (const char *name : {"1_b.png", "2_a.png", "3_c.png"})
+        picture(name, Qt::red);
+    choose("addPicture", {m_folder->path()});
+    click("upPicture");
+    QCOMPARE(currentRow(), 0);
+    clickRow(2);
+    click("downPicture");
+    click("upPicture");
+    QCOMPARE(currentRow(), 1);
+    QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
+    QCOMPARE(column(0), QStringList({"1", "2", "3"}));
+    clickHeader(1);
+    QCOMPARE(column(1), QStringList({"1_b.png", "2_a.png", "3_c.png"}));
+    QCOMPARE(column(0), QStringList({"1", "3", "2"}));
+    clickHeader(0);
+    QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
+    clickRow(0);
+    click("deletePicture");
+    QCOMPARE(column(1), QStringList({"3_c.png", "2_a.png"}));
+    click("deleteAllPicture");
+    QCOMPARE(column(1), QStringList());
+    click("deletePicture");
+    choose("imagesConversion", {m_folder->path()});
+    QCOMPARE(m_boxes->texts, QStringList());
+}
+
+void TestPictureTools::currentPictureIsShown()
+{
+    openTab(5);
+    picture("1.png", Qt::red);
+    picture("2.png", Qt::blue);
+    write("3.png", "no picture");
+    auto *screen = find<QComboBox>("pictureSrceen");
+    screen->addItem("1000X300");
+    screen->setCurrentText("1000X300");
+    choose("addPicture", {m_folder->path()});
+    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+    QCOMPARE(shown(0, 299), qRgb(255, 0, 0));
+    QCOMPARE(shown(0, 300), qRgb(128, 128, 128));
+    const QSize label = find<QLabel>("pictureLabel")->size();
+    QCOMPARE(find<QScrollBar>("pictureHorizontal")->maximum(), 1000 - label.width());
+    QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 0);
+    clickRow(1);
+    QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
+    // What cannot be decoded leaves the preview as it was.
+    clickRow(2);
+    QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
+    clickRow(0);
+    find<QComboBox>("scaleMultiple")->setCurrentText("400%");
+    QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 1200 - label.height());
+    find<QScrollBar>("pictureVertical")->setValue(9999);
+    QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 1200 - label.height());
+    find<QComboBox>("scaleMultiple")->setCurrentText("10%");
+    QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 0);
+    QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
+    QCOMPARE(shown(100, 29), qRgb(128, 128, 128));
+    // A size that is none shows nothing of the picture, a text without an X changes nothing.
+    screen->addItems({"nonsense", "0X0"});
+    screen->setCurrentText("nonsense");
+    QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
+    screen->setCurrentText("0X0");
+    QCOMPARE(shown(0, 0), qRgb(128, 128, 128));
+}
+
+void TestPictureTools::changedPicturesAreShownAnew()
+{
+    openTab(5);
+    picture("1.png", Qt::red);
+    choose("addPicture", {m_folder->path()});
+    picture("1.png", Qt::green);
+    QFile file(m_folder->filePath("1.png"));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(5),
+                             QFileDevice::FileModificationTime));
+    clickRow(0);
+    QCOMPARE(shown(0, 0), qRgb(0, 255, 0));
+}
+
+void TestPictureTools::picturesAreConverted()
+{
+    openTab(5);
+    picture("4_logo.final.png", Qt::red);
+    picture("b.jpg", Qt::blue);
+    write("c.png", "no picture");
+    choose("addPicture", {m_folder->path()});
+    const QTemporaryDir out;
+    choose("imagesConversion", {});
+    QCOMPARE(m_boxes->texts, QStringList());
+    choose("imagesConversion", {out.path()});
+    QCOMPARE(m_boxes->texts, QStringList{"Image conversion complete !"});
+    QCOMPARE(QDir(out.path()).entryList(QDir::Files), QStringList({"4_logo.bmp", "b.bmp"}));
+    // The size that the combo shows from the start.
+    QCOMPARE(QImage(out.filePath("b.bmp")).size(), QSize(480, 272));
+    find<QComboBox>("pictureSrceen")->setCurrentText("320X240");
+    m_dialog->selectLanguage("中文");
+    choose("reNameImageConversion", {out.path()});
+    QCOMPARE(m_boxes->texts.last(), QString("图片转换完成！"));
+    QCOMPARE(QImage(out.filePath("4_4_logo.bmp")).size(), QSize(320, 240));
+    QCOMPARE(QImage(out.filePath("5_b.bmp")).size(), QSize(320, 240));
+}
+
+void TestPictureTools::zeroFontIsWritten()
+{
+    const QString path = programFolder() + "/0_ZOLT_ASC.HZK";
+    QFile::remove(path);
+    QVector<int> progress;
+    connect(find<QProgressBar>("progressBar"), &QProgressBar::valueChanged, this,
+            [&progress](int percent) { progress.append(percent); });
+    find<QSpinBox>("horScale")->setValue(-3);
+    click("CreatZeroFont");
+    QCOMPARE(m_boxes->texts, QStringList{"Creat finish！"});
+    QCOMPARE(progress.last(), 100);
+    QCOMPARE(progress.size(), 60); // 0 stood there already
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    GlyphStyle style;
+    style.font = QFont("宋体", 8);
+    style.horScale = -3;
+    QVERIFY(file.readAll() == zeroFont::make(style, [](int) {}));
+    QVERIFY(file.remove());
+}
+
+void TestPictureTools::zeroFontFollowsItsSettings()
+{
+    runEventLoopUntil([this] { return !fontPreview().isNull(); });
+    GlyphStyle style;
+    style.font = QFont("宋体", 8);
+    const auto expected = [&style](const QString &text) {
+        return QPixmap::fromImage(zeroFont::preview(text, style)).toImage();
+    };
+    QVERIFY(fontPreview() == expected("A"));
+    find<QComboBox>("comboBox")->setCurrentText("g");
+    QVERIFY(fontPreview() == expected("g"));
+    for (const auto &[box, value] : {std::pair("horScale", &GlyphStyle::horScale),
+                                     {"verScale", &GlyphStyle::verScale},
+                                     {"horShift", &GlyphStyle::horShift},
+                                     {"verShift", &GlyphStyle::verShift}}) {
+        style.*value += 3;
+        find<QSpinBox>(box)->setValue(style.*value);
+        QVERIFY2(fontPreview() == expected("g"), box);
+    }
+    const auto answer = [](auto choose) {
+        QTimer::singleShot(50, [choose] {
+            auto *dialog = qobject_cast<QFontDialog *>(QApplication::activeModalWidget());
+            QVERIFY(dialog);
+            QCOMPARE(dialog->windowTitle(), QString("自定义文字属性"));
+            choose(dialog);
+        });
+    };
+    answer([](QFontDialog *dialog) { dialog->reject(); });
+    click("selectFont");
+    QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: 宋体"));
+    answer([](QFontDialog *dialog) {
+        dialog->setCurrentFont(QFont("DejaVu Serif", 20));
+        dialog->accept();
+    });
+    click("selectFont");
+    QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: DejaVu Serif"));
+    style.font = QFont("DejaVu Serif", 20);
+    QVERIFY(fontPreview() == expected("g"));
+}
+
+QTEST_MAIN(TestPictureTools)
+#include "tst_picture_tools.moc"
