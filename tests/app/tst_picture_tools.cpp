@@ -248,13 +248,13 @@ void TestPictureTools::zeroFontFollowsItsSettings()
     answer([](QFontDialog *dialog) { dialog->reject(); });
     click("selectFont");
     QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: 宋体"));
-    answer([](QFontDialog *dialog) {
+    answer([&style](QFontDialog *dialog) {
         dialog->setCurrentFont(QFont("DejaVu Serif", 20));
+        style.font = dialog->currentFont();
         dialog->accept();
     });
     click("selectFont");
     QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: DejaVu Serif"));
-    style.font = QFont("DejaVu Serif", 20);
     QVERIFY(fontPreview() == expected("g"));
 }
 
