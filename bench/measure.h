@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QVector>
 
@@ -21,6 +22,20 @@ inline double median(QVector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values.isEmpty() ? 0.0 : values.at(values.size() / 2);
+}
+
+/// Seconds that `work` takes: the median of several runs.
+template<typename Work>
+double seconds(const Work &work, int runs = 5)
+{
+    QVector<double> times;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        times.append(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
+    }
+    return median(times);
 }
 
 /// Seconds of processor time that the calling thread has used.

@@ -5,12 +5,9 @@
 #include "font/zero_font.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QThreadPool>
-
-#include <functional>
 
 namespace {
 
@@ -57,18 +54,6 @@ QByteArray plainFont(const GlyphStyle &style)
     return font;
 }
 
-double seconds(const std::function<void()> &work)
-{
-    QVector<double> times;
-    for (int i = 0; i < 5; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.append(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
-    }
-    return measure::median(times);
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -77,10 +62,10 @@ int main(int argc, char *argv[])
     GlyphStyle style;
     style.font = QFont("DejaVu Sans", 8);
     const auto make = [&style] { zeroFont::make(style, [](int) {}); };
-    const double plain = seconds([&style] { plainFont(style); });
-    const double onAll = seconds(make);
+    const double plain = measure::seconds([&style] { plainFont(style); });
+    const double onAll = measure::seconds(make);
     QThreadPool::globalInstance()->setMaxThreadCount(1);
-    const double onOne = seconds(make);
+    const double onOne = measure::seconds(make);
     measure::report("PERF_FONT_ONE_THREAD", onOne / plain, 0.55);
     measure::report("PERF_FONT", onAll / plain, 0.35);
     return 0;

@@ -4,7 +4,6 @@
 #include "common/picture.h"
 
 #include <QBuffer>
-#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QLinearGradient>
 #include <QPainter>
@@ -27,19 +26,6 @@ QImage sample(const QSize &size)
     return image;
 }
 
-template<typename Work>
-double milliseconds(Work work)
-{
-    QVector<double> times;
-    for (int i = 0; i < 15; ++i) {
-        QElapsedTimer timer;
-        timer.start();
-        work();
-        times.append(static_cast<double>(timer.nsecsElapsed()) * 1e-6);
-    }
-    return measure::median(times);
-}
-
 void measureFormat(const char *name, const QSize &size, const char *format, double goal)
 {
     QByteArray content;
@@ -47,11 +33,13 @@ void measureFormat(const char *name, const QSize &size, const char *format, doub
     buffer.open(QIODevice::WriteOnly);
     sample(size).save(&buffer, format);
 
-    const double decoding = milliseconds([&] { picture::decode(content); });
-    const double choosing = milliseconds([&] {
-        picture::toRgb565(
-            picture::decode(content).scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation));
-    });
+    const double decoding = measure::seconds([&] { picture::decode(content); }, 15);
+    const double choosing = measure::seconds(
+        [&] {
+            picture::toRgb565(picture::decode(content).scaled(size, Qt::IgnoreAspectRatio,
+                                                              Qt::FastTransformation));
+        },
+        15);
     measure::report(name, choosing / decoding, goal);
 }
 

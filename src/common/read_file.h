@@ -7,7 +7,7 @@
 
 /// No file that the tool works with comes near this size: a larger one was chosen by mistake, and
 /// would take all memory.
-inline constexpr qint64 maxFileBytes = 512 * 1024 * 1024;
+inline constexpr qint64 maxFileBytes = 1024 * 1024 * 1024;
 
 /// What the file at `path` holds; none when it cannot be opened, or is larger than `maxFileBytes`.
 std::optional<QByteArray> readFile(const QString &path);

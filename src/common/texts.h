@@ -45,10 +45,10 @@ inline constexpr Text invalidLibrary{"Invalid ICO file !", "无效的ICO文件�
 inline constexpr Text libraryTooLarge{
     "The icons do not fit into one ICO file, which holds 512 MB. Nothing was written.",
     "图标总量超出一个ICO文件的容量（512 MB），未写入任何内容。"};
-/// %1 are file names.
+/// %1 are file names, a line each.
 inline constexpr Text misplacedPictures{
-    "Left out, because the number at the start of the name is above 32767: %1",
-    "以下图片文件名开头的编号大于32767，未写入：%1"};
+    "Left out, because the number at the start of the name is above 32767:\n%1",
+    "以下图片文件名开头的编号大于32767，未写入：\n%1"};
 inline constexpr Text fileTooLarge{"The file is too large !", "文件过大！"};
 inline constexpr Text downloadFailed{"Download failed !", "下载失败！"};
 

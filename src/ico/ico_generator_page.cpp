@@ -12,7 +12,7 @@
 namespace {
 
 /// More names than these do not fit into a box.
-constexpr int maxNames = 10;
+constexpr int maxNames = 20;
 
 } // namespace
 
@@ -88,9 +88,9 @@ void IcoGeneratorPage::write(const QString &path,
     }
     const QStringList misplaced = m_manager.misplaced();
     if (!misplaced.isEmpty()) {
-        const QString more = misplaced.size() > maxNames ? ", ..." : "";
+        const QString more = misplaced.size() > maxNames ? "\n..." : "";
         m_context.notices.warn(texts::misplacedPictures, nullptr,
-                               misplaced.mid(0, maxNames).join(", ") + more);
+                               misplaced.mid(0, maxNames).join('\n') + more);
     }
     m_context.notices.warn(texts::libraryFinished);
 }

@@ -3,10 +3,10 @@
 #include "common/file_number.h"
 #include "common/picture.h"
 #include "common/read_file.h"
+#include "common/replace_file.h"
 #include "ico/ico_library.h"
 
 #include <QDir>
-#include <QSaveFile>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -30,12 +30,7 @@ IcoManager::Outcome writeLibrary(const QString &path, const QVector<IconRecord> 
     const auto library = icoLibrary::write(icons);
     if (!library)
         return IcoManager::Outcome::TooLarge;
-    // Beside the old file and then in its place: a full disk leaves the old one whole.
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(*library);
-        file.commit();
-    }
+    replaceFile(path, *library);
     return IcoManager::Outcome::Written;
 }
 

@@ -15,6 +15,6 @@ QIcon IconPictures::picture(int index) const
         return *made;
     const IconRecord &record = m_records.at(index);
     const QIcon picture(QPixmap::fromImage(icon::toImage(record, m_hidesKeyColor)));
-    m_made.insert(index, new QIcon(picture), 1 + record.pixelBytes() / 512);
+    m_made.insert(index, new QIcon(picture), 1 + 2 * record.pixelBytes() / 1024);
     return picture;
 }

@@ -6,8 +6,8 @@
 #include <QIcon>
 #include <QVector>
 
-/// The pictures of many icons, made when they are first looked at. As many as fit into 64 MB of
-/// pixels are kept: a damaged library may promise more than any memory holds.
+/// The pictures of many icons, made when they are first looked at. As many as fit into 256 MB
+/// are kept, more than are seen at once: a damaged library may promise more than any memory holds.
 class IconPictures
 {
 public:
@@ -15,7 +15,7 @@ public:
     QIcon picture(int index) const;
 
 private:
-    static constexpr int maxKilobytes = 64 * 1024;
+    static constexpr int maxKilobytes = 256 * 1024;
 
     QVector<IconRecord> m_records;
     bool m_hidesKeyColor = false;

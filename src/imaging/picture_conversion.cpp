@@ -2,7 +2,9 @@
 
 #include "common/picture.h"
 #include "common/read_file.h"
+#include "common/replace_file.h"
 
+#include <QBuffer>
 #include <QFileInfo>
 #include <QHash>
 #include <QSet>
@@ -16,6 +18,16 @@ QString fileKey(const QString &path)
 {
     return QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath() + '/' +
            QFileInfo(path).fileName();
+}
+
+QByteArray bmpOf(const QImage &image)
+{
+    QByteArray bmp;
+    bmp.reserve(static_cast<int>(image.sizeInBytes()) + 1024);
+    QBuffer buffer(&bmp);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "BMP");
+    return bmp;
 }
 
 } // namespace
@@ -60,8 +72,8 @@ void run(const Batch &batch, const QSize &size)
     for (const Job &job : batch) {
         const QImage image = picture::decode(readFile(job.source).value_or(QByteArray()));
         if (!image.isNull())
-            image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation)
-                .save(job.output, "BMP");
+            replaceFile(job.output,
+                        bmpOf(image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation)));
     }
 }
 

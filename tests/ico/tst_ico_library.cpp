@@ -70,6 +70,7 @@ private slots:
     void largePicturesAreClampedSideBySide();
     void firstIconOfAPositionCounts();
     void addressesOfOtherLibrariesAreForgotten();
+    void addressesReachBeyondTheirLowBytes();
     void positionsOutsideTheIndexAreLeftOut();
     void librariesBeyondTheAddressesAreRefused();
     void whatWasWrittenIsRead();
@@ -110,6 +111,7 @@ void TestIcoLibrary::entriesHoldTheSize_data()
     QTest::newRow("256 x 1") << 256 << 1 << QByteArray("000140000000f81f");
     QTest::newRow("1023 x 1023") << 1023 << 1023 << QByteArray("fffff0000000f81f");
     QTest::newRow("1024 x 1") << 1024 << 1 << QByteArray("ff01c0000000f81f");
+    QTest::newRow("1 x 1024") << 1 << 1024 << QByteArray("01ff30000000f81f");
     QTest::newRow("2000 x 500") << 2000 << 500 << QByteArray("fff4d0000000f81f");
 }
 
@@ -155,6 +157,20 @@ void TestIcoLibrary::addressesOfOtherLibrariesAreForgotten()
     record.entry = QByteArray::fromHex("2C014F FFFFFF 07E0");
     const auto file = icoLibrary::write({record});
     QCOMPARE(file->mid(8, 8).toHex(), QByteArray("2c0140020000") + "07e0");
+}
+
+void TestIcoLibrary::addressesReachBeyondTheirLowBytes()
+{
+    // 17 of the largest icons are more than 32 MiB.
+    QVector<IconRecord> records(17, icon::fromImage(0, plain(1023, 1023, Qt::red)));
+    for (int i = 0; i < records.size(); ++i)
+        records[i].position = i;
+    const auto file = icoLibrary::write(records);
+    const int address = 0x20000 + 16 * 1023 * 1023;
+    QCOMPARE(file->mid(8 * 16 + 2, 4).toHex(), QByteArray::number(address | 0xF0000000, 16));
+    QVector<IconRecord> read;
+    QVERIFY(icoLibrary::read(*file, read));
+    QCOMPARE(read.at(16).offset, 2 * address);
 }
 
 void TestIcoLibrary::positionsOutsideTheIndexAreLeftOut()

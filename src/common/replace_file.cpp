@@ -1,0 +1,29 @@
+#include "common/replace_file.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace {
+
+bool createFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return false;
+    if (file.write(content) == content.size())
+        return true;
+    file.remove();
+    return false;
+}
+
+} // namespace
+
+bool replaceFile(const QString &path, const QByteArray &content)
+{
+    // Only an old file is worth the time that a safe exchange takes.
+    if (!QFile::exists(path))
+        return createFile(path, content);
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() &&
+           file.commit();
+}

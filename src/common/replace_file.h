@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Makes `content` the content of the file at `path`, whole or not at all: an old file stays as it
+/// was, and no new one is left, when it cannot be written. False in that case.
+bool replaceFile(const QString &path, const QByteArray &content);
