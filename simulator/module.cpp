@@ -202,6 +202,7 @@ Module::Outcome Module::writeVp(const QByteArray &body)
 Module::Outcome Module::readVp(const QByteArray &body)
 {
     const int address = wordAt(body, 0);
+    reactToVpRead(m_state, address, byteAt(body, 2));
     const QVector<quint16> words =
         m_state.vp.mid(address, qMin<int>(byteAt(body, 2), maxReadBytes() / 2));
     QByteArray reply = body.left(2);

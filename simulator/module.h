@@ -51,6 +51,10 @@ public:
     quint16 vp(quint16 address) const { return m_state.vp.at(address); }
     /// Prepares a word; unlike a write by the tool it starts nothing.
     void setVp(quint16 address, quint16 value) { m_state.vp[address] = value; }
+    /// From now on a CRC is there only after it was read in vain that many times.
+    void setBusyReads(int reads) { m_state.busyReads = reads; }
+    /// What the flash is to hold, without a download.
+    void setFlash(int byteOffset, const QByteArray &data) { m_state.flash.write(byteOffset, data); }
     const Flash &flash() const { return m_state.flash; }
     const QMap<int, QByteArray> &pictures() const { return m_state.pictures; }
     const QByteArray &pictureMemory() const { return m_state.pictureMemory; }

@@ -44,6 +44,10 @@ struct ModuleState
     ShownJpeg jpeg;
     std::array<QVector<quint16>, FrameBuilder::channels> curves;
     Music music;
+    /// How often a computed CRC is asked for before it is there; and the one that is on its way.
+    int busyReads = 0;
+    int crcReadsLeft = -1; // none is
+    quint16 crc = 0;
     quint8 systemArgument = 0; // of the last system command
     int resets = 0;
     int restarts = 0;

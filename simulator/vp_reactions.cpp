@@ -1,6 +1,7 @@
 #include "simulator/vp_reactions.h"
 
 #include "common/big_endian.h"
+#include "serial/modbus_crc16.h"
 
 #include <QStringList>
 
@@ -15,6 +16,7 @@ constexpr int musicVp = 0xA0;
 constexpr int movePictureVp = 0xA2;
 constexpr int showJpegVp = 0xA6;
 constexpr int moveToFlashVp = 0xAA;
+constexpr int crcVp = 0xE0;
 constexpr int stagingVp = 0x8000;
 
 quint8 highByte(quint16 word)
@@ -181,6 +183,47 @@ QString moveToFlash(ModuleState &state)
                              static_cast<unsigned long long>(offset));
 }
 
+/// What the module would compute the CRC of; nothing for a unit that it does not know.
+QByteArray checkedBytes(const ModuleState &state, quint8 kind, quint16 unit)
+{
+    constexpr int pageBytes = 4096;
+    constexpr int systemVp = 0x1000;
+
+    switch (kind) {
+    case 0:
+        return state.flash.read(highByte(unit) * Flash::blockBytes, lowByte(unit) * pageBytes);
+    case 1:
+        return state.pictures.value(unit);
+    case 2:
+        return vpBytes(state, systemVp, (unit + 1) / 2).left(unit);
+    default:
+        return {};
+    }
+}
+
+void answerCrc(ModuleState &state)
+{
+    state.vp[crcVp] = lowByte(state.vp.at(crcVp));
+    state.vp[crcVp + 1] = state.crc;
+    state.crcReadsLeft = -1;
+}
+
+QString computeCrc(ModuleState &state)
+{
+    constexpr quint8 compute = 0x5A;
+
+    const quint16 request = state.vp.at(crcVp);
+    const quint16 unit = state.vp.at(crcVp + 1);
+    if (highByte(request) != compute)
+        return {};
+    const quint16 crc = ModbusCrc16::of(checkedBytes(state, lowByte(request), unit));
+    state.crc = static_cast<quint16>(crc << 8 | crc >> 8);
+    state.crcReadsLeft = state.busyReads;
+    if (state.busyReads == 0)
+        answerCrc(state);
+    return QString::asprintf("computes the CRC of unit 0x%04X, kind %d", unit, lowByte(request));
+}
+
 /// A command starts when its first word is written; the words after it are its arguments.
 struct Reaction
 {
@@ -196,9 +239,17 @@ constexpr Reaction reactions[] = {
     {movePictureVp, movePicture},
     {showJpegVp, showJpeg},
     {moveToFlashVp, moveToFlash},
+    {crcVp, computeCrc},
 };
 
 } // namespace
+
+void reactToVpRead(ModuleState &state, int address, int count)
+{
+    const bool isAsked = address <= crcVp && crcVp < address + count;
+    if (isAsked && state.crcReadsLeft >= 0 && state.crcReadsLeft-- == 0)
+        answerCrc(state);
+}
 
 QString reactToVpWrite(ModuleState &state, int address, int count)
 {

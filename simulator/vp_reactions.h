@@ -13,4 +13,7 @@ inline constexpr int picturePageVp = 0x14;
 /// certain words are commands. Says what was done, an empty text when the words were mere data.
 QString reactToVpWrite(ModuleState &state, int address, int count);
 
+/// Called before `count` VP words from `address` on are read: some are there only after a while.
+void reactToVpRead(ModuleState &state, int address, int count);
+
 } // namespace k7

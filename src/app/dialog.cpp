@@ -179,7 +179,7 @@ void Dialog::buildPages()
     m_tabs->addTab(new SystemConfigPage(context), "System configuration");
     m_imageConversion = new ImageConversionPage(context);
     m_tabs->addTab(m_imageConversion, "Image conversion");
-    m_tabs->addTab(new CrcPage, "CRC_Check");
+    m_tabs->addTab(new CrcPage(context), "CRC_Check");
 }
 
 void Dialog::connectLinks()

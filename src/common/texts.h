@@ -39,6 +39,7 @@ inline constexpr Text notCfgFile{"The file is not the correct CFG file !",
 inline constexpr Text folderNameTooLong{"The folder name is longer than 8 !",
                                         "文件夹字符数量超过8！"};
 inline constexpr Text keyError{"Decryption data error !", "加密数据错误！"};
+inline constexpr Text checkFinished{"Check finish !", "校验完成！"};
 inline constexpr Text conversionComplete{"Image conversion complete !", "图片转换完成！"};
 inline constexpr Text libraryFinished{"Creat finish！", "创建完成！"};
 inline constexpr Text invalidLibrary{"Invalid ICO file !", "无效的ICO文件！"};

@@ -2,12 +2,92 @@
 
 #include "ui_crc_page.h"
 
-CrcPage::CrcPage(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<Ui::CrcPage>())
+#include "common/file_dialogs.h"
+#include "common/notices.h"
+#include "common/read_file.h"
+#include "common/wait_cursor.h"
+#include "crc/crc_comparison.h"
+#include "download/step_dispatch.h"
+#include "serial/serial_set.h"
+
+#include <QDir>
+
+CrcPage::CrcPage(const PageContext &context, QWidget *parent)
+    : QWidget(parent), m_context(context), m_ui(std::make_unique<Ui::CrcPage>())
 {
     m_ui->setupUi(this);
     // Name, calculated CRC, read CRC, result.
     for (const auto &[column, width] : {std::pair(0, 260), {1, 100}, {2, 100}, {3, 100}})
         m_ui->crcTableWidget->setColumnWidth(column, width);
+
+    auto comparison = std::make_unique<CrcComparison>(
+        context.session, context.uartPort, context.notices, context.builder,
+        CrcComparison::Window{[this] { return linkRate(m_context.uartSet.settings().baudRate); },
+                              [this](int percent) { m_ui->crcCheckBar->setValue(percent); },
+                              [this] { showItems(); }});
+    m_comparison = comparison.get();
+    context.dispatch.add(commandType::crcComparison, std::move(comparison));
 }
 
 CrcPage::~CrcPage() = default;
+
+void CrcPage::on_openFolder_clicked()
+{
+    const QString path = m_context.fileDialogs.openFolder("请选择模板保存路径...", QString());
+    if (path.isEmpty())
+        return;
+    QStringList paths;
+    for (const QFileInfo &file : QDir(path).entryInfoList(QDir::Files | QDir::NoSymLinks))
+        paths.append(file.filePath());
+    if (!paths.isEmpty())
+        list(paths);
+}
+
+void CrcPage::on_openFile_clicked()
+{
+    const QString path = m_context.fileDialogs.openFile(QString(), "*.bin *.bmp *.ICO");
+    if (!path.isEmpty())
+        list({path});
+}
+
+void CrcPage::on_compareCheck_clicked()
+{
+    m_comparison->start();
+}
+
+void CrcPage::list(const QStringList &paths)
+{
+    m_comparison->setItems({});
+    QVector<CrcCheckItem> items;
+    for (const QString &path : paths) {
+        if (!crcCheck::isChecked(path))
+            continue;
+        const crcCheck::Units units = [&path] {
+            const WaitCursor busy;
+            const auto content = readFile(path);
+            return content ? crcCheck::unitsOf(QFileInfo(path).fileName(), *content)
+                           : crcCheck::Units();
+        }();
+        if (units.isBrokenPicture)
+            m_context.notices.warn(texts::fileIsNotPicture);
+        items += units.items;
+    }
+    m_comparison->setItems(items);
+    showItems();
+}
+
+void CrcPage::showItems()
+{
+    const QVector<CrcCheckItem> &items = m_comparison->items();
+    m_ui->crcTableWidget->setRowCount(items.size());
+    for (int row = 0; row < items.size(); ++row) {
+        const CrcCheckItem &item = items.at(row);
+        int column = 0;
+        for (const QString &text :
+             {item.name, item.calculatedCrc, item.readCrc, item.compareResult}) {
+            auto *cell = new QTableWidgetItem(text);
+            cell->setBackground(item.isIntact() ? Qt::white : Qt::red);
+            m_ui->crcTableWidget->setItem(row, column++, cell);
+        }
+    }
+}

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "serial/page_context.h"
+
 #include <QWidget>
 
 #include <memory>
+
+class CrcComparison;
 
 namespace Ui {
 class CrcPage;
@@ -14,9 +18,20 @@ class CrcPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit CrcPage(QWidget *parent = nullptr);
+    explicit CrcPage(const PageContext &context, QWidget *parent = nullptr);
     ~CrcPage() override;
 
+private slots:
+    void on_openFolder_clicked();
+    void on_openFile_clicked();
+    void on_compareCheck_clicked();
+
 private:
+    /// Lists the units of `paths` in place of what was listed before.
+    void list(const QStringList &paths);
+    void showItems();
+
+    const PageContext m_context;
     std::unique_ptr<Ui::CrcPage> m_ui;
+    CrcComparison *m_comparison;
 };

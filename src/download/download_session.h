@@ -19,6 +19,7 @@ inline constexpr int bmpDownload = 17;
 inline constexpr int jpgDownload = 18;
 inline constexpr int icoDownload = 19;
 inline constexpr int pagedBmpDownload = 20;
+inline constexpr int crcComparison = 21;
 } // namespace commandType
 
 /// The exchange that is running. Pages start one, the heartbeat counts its ticks, its step ends it.

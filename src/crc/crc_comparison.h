@@ -1,0 +1,52 @@
+#pragma once
+
+#include "crc/crc_check_item.h"
+#include "download/step.h"
+
+#include <functional>
+
+/// Asks the module, unit by unit, for the CRC of what it holds. A module that is not done is asked
+/// again and again, without a limit.
+class CrcComparison final : public Step
+{
+public:
+    /// What the comparison reads from and shows in the window.
+    struct Window
+    {
+        std::function<int()> rate;             ///< of the link, in bit/s, positive
+        std::function<void(int)> showProgress; ///< in percent
+        std::function<void()> showItems;       ///< all have been compared
+    };
+
+    CrcComparison(DownloadSession &session, SerialLink &link, Notices &notices,
+                  FrameBuilder &builder, const Window &window);
+
+    const QVector<CrcCheckItem> &items() const { return m_items; }
+    /// Takes `items` in place of the others, and ends a comparison of those.
+    void setItems(const QVector<CrcCheckItem> &items);
+
+    /// Starts with the first item, however far an earlier comparison came. Without items nothing
+    /// happens.
+    void start();
+    void step() override;
+
+protected:
+    void rewind() override { m_stage = Stage::Ask; }
+
+private:
+    static constexpr quint16 crcAddress = 0x00E0;
+    static constexpr quint16 busyMark = 0x5A; // in the high byte of the first word
+
+    enum class Stage { Ask, Read, Compare };
+
+    void ask();
+    void read();
+    void compare();
+    void enter(Stage stage);
+
+    FrameBuilder &m_builder;
+    const Window m_window;
+    QVector<CrcCheckItem> m_items;
+    int m_index = 0;
+    Stage m_stage = Stage::Ask;
+};
