@@ -82,22 +82,22 @@ void ZeroFontPage::on_comboBox_currentTextChanged()
     drawPreview();
 }
 
-void ZeroFontPage::on_horScale_valueChanged()
+void ZeroFontPage::on_horScale_valueChanged(int /*value*/)
 {
     drawPreview();
 }
 
-void ZeroFontPage::on_verScale_valueChanged()
+void ZeroFontPage::on_verScale_valueChanged(int /*value*/)
 {
     drawPreview();
 }
 
-void ZeroFontPage::on_horShift_valueChanged()
+void ZeroFontPage::on_horShift_valueChanged(int /*value*/)
 {
     drawPreview();
 }
 
-void ZeroFontPage::on_verShift_valueChanged()
+void ZeroFontPage::on_verShift_valueChanged(int /*value*/)
 {
     drawPreview();
 }

@@ -40,10 +40,10 @@ private slots:
     void on_CreatZeroFont_clicked();
     void on_selectFont_clicked();
     void on_comboBox_currentTextChanged();
-    void on_horScale_valueChanged();
-    void on_verScale_valueChanged();
-    void on_horShift_valueChanged();
-    void on_verShift_valueChanged();
+    void on_horScale_valueChanged(int);
+    void on_verScale_valueChanged(int);
+    void on_horShift_valueChanged(int);
+    void on_verShift_valueChanged(int);
 
 private:
     GlyphStyle style() const;
