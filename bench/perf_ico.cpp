@@ -2,12 +2,12 @@
 // alone on one; and a library of all 32768 positions opened and shown, against making all of its
 // pictures.
 
+#include "app/choose_in_dialog.h"
 #include "app/dialog.h"
 #include "bench/measure.h"
 #include "common/picture.h"
 #include "common/read_file.h"
 #include "ico/ico_library.h"
-#include "tests/support/file_dialogs.h"
 
 #include <QApplication>
 #include <QCheckBox>

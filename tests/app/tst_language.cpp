@@ -1,6 +1,6 @@
 #include "app/dialog.h"
+#include "app/message_boxes.h"
 #include "common/program_folder.h"
-#include "support/message_boxes.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "app/choose_in_dialog.h"
 #include "app/dialog.h"
+#include "app/message_boxes.h"
 #include "common/program_folder.h"
 #include "simulator/simulator.h"
 #include "support/event_loop.h"
-#include "support/file_dialogs.h"
-#include "support/message_boxes.h"
 
 #include <QFile>
 #include <QPushButton>

@@ -22,8 +22,11 @@ public:
             details.append(box->informativeText());
             box->accept();
         });
-        m_timer.start(5);
+        m_timer.start(5); // hardly at all
     }
+
+    /// How long each box stays, at least.
+    void setPause(int milliseconds) { m_timer.setInterval(milliseconds); }
 
     bool answers = true;
     QStringList texts;
