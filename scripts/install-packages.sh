@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build clang-format
   qtbase5-dev libqt5serialport5-dev
-  fonts-dejavu-core fonts-wqy-zenhei
+  fonts-dejavu-core fonts-wqy-zenhei qttranslations5-l10n
 )
 
 missing=()

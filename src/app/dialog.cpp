@@ -149,10 +149,10 @@ void Dialog::keyPressEvent(QKeyEvent *event)
 
 void Dialog::buildPages()
 {
-    const PageContext context{m_session,    m_builder,      m_uartReplies, m_ed2Replies,
-                              m_trafficLog, m_uartPort,     m_ed2Port,     *m_uartSet,
-                              *m_ed2Set,    m_notices,      m_fileDialogs, m_settings,
-                              m_dispatch,   m_defaultFolder};
+    const PageContext context{
+        m_session,     m_builder,  m_uartReplies, m_ed2Replies,    m_trafficLog,
+        m_uartPort,    m_ed2Port,  *m_uartSet,    *m_ed2Set,       m_notices,
+        m_fileDialogs, m_settings, m_dispatch,    m_defaultFolder, m_language.isEnglish()};
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName("tabWidget");
@@ -186,7 +186,7 @@ void Dialog::connectLinks()
 {
     connect(&m_uartPort, &SerialLink::readyRead, this, [this] {
         const QByteArray bytes = m_uartPort.readAll();
-        m_trafficLog.add(bytes);
+        m_trafficLog.add(TrafficLog::Direction::Received, bytes);
         m_uartReplies.receive(bytes);
     });
     connect(&m_ed2Port, &SerialLink::readyRead, this,

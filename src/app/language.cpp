@@ -3,9 +3,11 @@
 #include "common/tool_settings.h"
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QGroupBox>
 #include <QHash>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QTabWidget>
 #include <QTextBrowser>
 
@@ -72,6 +74,15 @@ void Language::apply(const QString &language)
                 dress(widget, text);
     }
     m_settings.setText(languageKey, language);
+    translateQt();
+}
+
+void Language::translateQt()
+{
+    QCoreApplication::removeTranslator(&m_qtTexts);
+    if (!m_isEnglish &&
+        m_qtTexts.load("qtbase_zh_CN", QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&m_qtTexts);
 }
 
 void Language::seed()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QTranslator>
 #include <QVector>
 
 class QWidget;
@@ -48,9 +49,12 @@ public:
 
 private:
     void seed();
+    /// Gives Qt's own dialogs the language too, where its texts are installed.
+    void translateQt();
 
     QWidget &m_window;
     ToolSettings &m_settings;
     bool m_isEnglish = true;
     QString m_applied;
+    QTranslator m_qtTexts;
 };

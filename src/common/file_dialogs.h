@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QDir>
+#include <QFileInfo>
 #include <QString>
 #include <QStringList>
 
@@ -22,6 +24,16 @@ public:
     /// such as "*.bin;*.ICO". Empty when the user cancels.
     virtual QStringList openFiles(const QString &start, const QString &patterns) = 0;
 };
+
+/// Those of `paths` that a dialog with `patterns` would offer.
+inline QStringList matching(const QStringList &paths, const QString &patterns)
+{
+    QStringList found;
+    for (const QString &path : paths)
+        if (QDir::match(patterns, QFileInfo(path).fileName()) && QFileInfo(path).isFile())
+            found.append(path);
+    return found;
+}
 
 /// `patterns`, parted by semicolons, as Qt's own dialog understands them: with semicolons it would
 /// show no file at all.

@@ -53,6 +53,11 @@ inline constexpr Text misplacedPictures{
 inline constexpr Text fileTooLarge{"The file is too large !", "文件过大！"};
 inline constexpr Text downloadFailed{"Download failed !", "下载失败！"};
 
+// The menu of the traffic log.
+inline constexpr Text copyAll{"Copy all", "全部复制"};
+inline constexpr Text saveLog{"Save log…", "保存日志…"};
+inline constexpr Text fileNotWritten{"The file could not be written !", "文件写入失败！"};
+
 // Why a port could not be opened, shown below serialOpeningFailed.
 inline constexpr Text noSuchPort{
     "There is no such port. Plug the adapter in, or choose another port in the serial settings.",

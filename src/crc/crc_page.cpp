@@ -2,6 +2,7 @@
 
 #include "ui_crc_page.h"
 
+#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/read_file.h"
@@ -20,6 +21,13 @@ CrcPage::CrcPage(const PageContext &context, QWidget *parent)
     for (const auto &[column, width] : {std::pair(0, 260), {1, 100}, {2, 100}, {3, 100}})
         m_ui->crcTableWidget->setColumnWidth(column, width);
 
+    new DropTarget(*m_ui->crcTableWidget, [this](const QStringList &paths) {
+        if (QFileInfo(paths.first()).isDir())
+            listFolder(paths.first());
+        else
+            list(paths);
+    });
+
     auto comparison = std::make_unique<CrcComparison>(
         context.session, context.uartPort, context.notices, context.builder,
         CrcComparison::Window{[this] { return linkRate(m_context.uartSet.settings().baudRate); },
@@ -34,8 +42,12 @@ CrcPage::~CrcPage() = default;
 void CrcPage::on_openFolder_clicked()
 {
     const QString path = m_context.fileDialogs.openFolder("请选择模板保存路径...", QString());
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        listFolder(path);
+}
+
+void CrcPage::listFolder(const QString &path)
+{
     QStringList paths;
     for (const QFileInfo &file : QDir(path).entryInfoList(QDir::Files | QDir::NoSymLinks))
         paths.append(file.filePath());

@@ -29,6 +29,7 @@ private slots:
 private:
     /// Lists the units of `paths` in place of what was listed before.
     void list(const QStringList &paths);
+    void listFolder(const QString &path);
     void showItems();
 
     const PageContext m_context;

@@ -2,6 +2,7 @@
 
 #include "ui_font_download_page.h"
 
+#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/read_file.h"
@@ -13,6 +14,7 @@
 namespace {
 
 constexpr int blockBytes = 256 * 1024;
+const QString patterns = QStringLiteral("*.ICO;*.bin;*.hzk;*.dzk");
 
 /// `content` from flash block `position` on; an empty file takes one empty block.
 void appendBlocks(QVector<BlockDownload::Block> &blocks, int position, const QByteArray &content)
@@ -33,6 +35,8 @@ FontDownloadPage::FontDownloadPage(const PageContext &context, QWidget *parent)
 {
     m_ui->setupUi(this);
     m_ui->fontPath->setColumnWidth(1, 600);
+    new DropTarget(*m_ui->fontPath,
+                   [this](const QStringList &paths) { add(matching(paths, patterns)); });
 
     auto download = std::make_unique<BlockDownload>(
         context.session, context.ed2Port, context.notices, BlockDownload::fonts(),
@@ -46,8 +50,11 @@ FontDownloadPage::~FontDownloadPage() = default;
 
 void FontDownloadPage::on_chooseFontFile_clicked()
 {
-    const QStringList paths =
-        m_context.fileDialogs.openFiles(m_context.settings.fontFolder(), "*.ICO;*.bin;*.hzk;*.dzk");
+    add(m_context.fileDialogs.openFiles(m_context.settings.fontFolder(), patterns));
+}
+
+void FontDownloadPage::add(const QStringList &paths)
+{
     if (paths.isEmpty())
         return;
     m_context.settings.rememberFontFiles(paths);

@@ -34,6 +34,7 @@ private slots:
     void on_variableConfig_clicked(bool isOn);
 
 private:
+    void add(const QStringList &paths);
     void showList();
     /// Adds the configuration file `name` for flash block `block`, or takes the first entry with
     /// that block out again, whatever file it is.

@@ -2,6 +2,7 @@
 
 #include "ui_picture_download_page.h"
 
+#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/picture.h"
@@ -15,6 +16,8 @@
 #include <optional>
 
 namespace {
+
+const QString patterns = QStringLiteral("*.bmp;*.jpg;*.jpeg;*.png;*.gif");
 
 /// The size that `text`, such as "480X272", names. None for other texts, for sizes without pixels,
 /// and for sizes that no picture may have.
@@ -41,6 +44,8 @@ PictureDownloadPage::PictureDownloadPage(const PageContext &context, QWidget *pa
 {
     m_ui->setupUi(this);
     m_ui->picturePath->setColumnWidth(1, 600);
+    new DropTarget(*m_ui->picturePath,
+                   [this](const QStringList &paths) { add(matching(paths, patterns)); });
 
     auto download = std::make_unique<BlockDownload>(
         context.session, context.ed2Port, context.notices, BlockDownload::pictures(),
@@ -65,8 +70,11 @@ void PictureDownloadPage::showResolution(const QString &resolution)
 
 void PictureDownloadPage::on_choosePictureFile_clicked()
 {
-    const QStringList paths = m_context.fileDialogs.openFiles(m_context.settings.imageFolder(),
-                                                              "*.bmp;*.jpg;*.jpeg;*.png;*.gif");
+    add(m_context.fileDialogs.openFiles(m_context.settings.imageFolder(), patterns));
+}
+
+void PictureDownloadPage::add(const QStringList &paths)
+{
     if (!paths.isEmpty())
         m_context.settings.rememberImageFiles(paths);
     for (const QString &path : paths) {

@@ -38,6 +38,7 @@ private slots:
     void on_serialSet_2_clicked();
 
 private:
+    void add(const QStringList &paths);
     void showList();
     /// Converts the picture and appends it to the data. A file that cannot be opened appends
     /// nothing, so data and list no longer line up; that is wanted.

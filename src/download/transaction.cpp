@@ -15,7 +15,7 @@ void Transaction::step()
             return;
         const QByteArray frame = m_frame();
         m_link.write(frame);
-        m_log.add(frame);
+        m_log.add(TrafficLog::Direction::Sent, frame);
     } else if (m_session.tick == endTick) {
         if (m_answer == Answer::Acknowledgement && !m_session.replyReceived)
             fail();

@@ -2,6 +2,7 @@
 
 #include "ui_ico_generator_page.h"
 
+#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/tool_settings.h"
@@ -13,6 +14,7 @@ namespace {
 
 /// More names than these do not fit into a box.
 constexpr int maxNames = 20;
+const QString patterns = QStringLiteral("*.bmp;*.jpg;*.jpeg;*.png;*.gif");
 
 } // namespace
 
@@ -24,6 +26,13 @@ IcoGeneratorPage::IcoGeneratorPage(const PageContext &context, IcoManager &manag
 {
     m_ui->setupUi(this);
     m_ui->ICOFileTable->setColumnWidth(1, 400);
+    new DropTarget(*m_ui->ICOFileTable, [this](const QStringList &paths) {
+        const QStringList files = matching(paths, patterns);
+        if (QFileInfo(paths.first()).isDir())
+            loadFolder(paths.first());
+        else if (!files.isEmpty())
+            load(files);
+    });
     // Until pictures are loaded there is nothing to write.
     for (QPushButton *button : {m_ui->creatIcoFile, m_ui->addIcoFile, m_ui->replaceIcoFile})
         button->setEnabled(false);
@@ -35,8 +44,12 @@ void IcoGeneratorPage::on_selectIcoPath_clicked()
 {
     const QString folder =
         m_context.fileDialogs.openFolder("请选择需要转换图片路径", m_context.settings.icoFolder());
-    if (folder.isEmpty())
-        return;
+    if (!folder.isEmpty())
+        loadFolder(folder);
+}
+
+void IcoGeneratorPage::loadFolder(const QString &folder)
+{
     m_ui->filePathLabel->setText(folder);
     m_context.settings.rememberIcoPath(folder);
     if (const auto paths = IcoManager::picturesIn(folder))
@@ -45,8 +58,8 @@ void IcoGeneratorPage::on_selectIcoPath_clicked()
 
 void IcoGeneratorPage::on_selectIcoFilePath_clicked()
 {
-    const QStringList paths = m_context.fileDialogs.openFiles(m_context.settings.imageFolder(),
-                                                              "*.bmp;*.jpg;*.jpeg;*.png;*.gif");
+    const QStringList paths =
+        m_context.fileDialogs.openFiles(m_context.settings.imageFolder(), patterns);
     if (!paths.isEmpty())
         load(paths);
 }

@@ -30,6 +30,7 @@ private slots:
 
 private:
     void load(const QStringList &paths);
+    void loadFolder(const QString &folder);
     /// Has `change` write the library at `path`, and tells what came of it.
     void write(const QString &path, const std::function<IcoManager::Outcome()> &change);
 

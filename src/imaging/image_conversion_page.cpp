@@ -3,6 +3,7 @@
 #include "ui_image_conversion_page.h"
 
 #include "common/busy.h"
+#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/picture.h"
@@ -29,6 +30,10 @@ ImageConversionPage::ImageConversionPage(const PageContext &context, QWidget *pa
     m_ui->pictureTable->horizontalHeader()->setStretchLastSection(true);
     m_ui->pictureHorizontal->setPageStep(m_ui->pictureLabel->width());
     m_ui->pictureVertical->setPageStep(m_ui->pictureLabel->height());
+    new DropTarget(*m_ui->pictureTable, [this](const QStringList &paths) {
+        if (QFileInfo(paths.first()).isDir())
+            listFolder(paths.first());
+    });
     connect(m_ui->pictureTable->horizontalHeader(), &QHeaderView::sectionClicked, this,
             &ImageConversionPage::onHeaderClicked);
 }
@@ -61,8 +66,12 @@ void ImageConversionPage::on_addPicture_clicked()
 {
     const QString path =
         m_context.fileDialogs.openFolder(folderCaption, m_context.settings.imageFolder());
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        listFolder(path);
+}
+
+void ImageConversionPage::listFolder(const QString &path)
+{
     m_context.settings.rememberImagePath(path);
     const QDir folder(path);
     if (!folder.exists())

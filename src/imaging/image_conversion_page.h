@@ -54,6 +54,7 @@ private:
         QImage image;
     };
 
+    void listFolder(const QString &path);
     void onHeaderClicked(int section);
     void move(int rows);
     void showList();

@@ -30,4 +30,5 @@ struct PageContext
     ToolSettings &settings;
     StepDispatch &dispatch;
     const QString &moduleFolder; ///< where the configuration files of the module stand
+    const bool &isEnglish;       ///< the language of the window at this moment
 };

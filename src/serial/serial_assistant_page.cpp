@@ -3,7 +3,9 @@
 #include "ui_serial_assistant_page.h"
 
 #include "common/big_endian.h"
+#include "common/file_dialogs.h"
 #include "common/notices.h"
+#include "common/replace_file.h"
 #include "download/download_session.h"
 #include "serial/data_text.h"
 #include "serial/frame_builder.h"
@@ -11,7 +13,10 @@
 #include "serial/reply_receiver.h"
 #include "serial/traffic_log.h"
 
+#include <QClipboard>
 #include <QFontDatabase>
+#include <QGuiApplication>
+#include <QMenu>
 
 namespace {
 
@@ -65,6 +70,9 @@ SerialAssistantPage::SerialAssistantPage(const PageContext &context, QWidget *pa
 
     connect(&context.trafficLog, &TrafficLog::linesReady, this,
             [this](const QStringList &lines) { m_ui->receiveText->append(lines.join('\n')); });
+    m_ui->receiveText->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(m_ui->receiveText, &QWidget::customContextMenuRequested, this,
+            &SerialAssistantPage::showLogMenu);
     for (const ReplyReceiver *replies : {&context.uartReplies, &context.ed2Replies}) {
         connect(replies, &ReplyReceiver::registersRead, this, [this] { show(View::Registers); });
         connect(replies, &ReplyReceiver::vpRead, this, [this] { show(View::Vp); });
@@ -159,6 +167,24 @@ void SerialAssistantPage::on_clearReceiveLog_clicked()
 {
     m_context.trafficLog.clear();
     m_ui->receiveText->clear();
+}
+
+void SerialAssistantPage::showLogMenu(const QPoint &position)
+{
+    const std::unique_ptr<QMenu> menu(m_ui->receiveText->createStandardContextMenu());
+    menu->addSeparator();
+    menu->addAction(texts::copyAll.in(m_context.isEnglish), this, [this] {
+        QGuiApplication::clipboard()->setText(m_ui->receiveText->toPlainText());
+    });
+    menu->addAction(texts::saveLog.in(m_context.isEnglish), this, &SerialAssistantPage::saveLog);
+    menu->exec(m_ui->receiveText->viewport()->mapToGlobal(position));
+}
+
+void SerialAssistantPage::saveLog()
+{
+    const QString path = m_context.fileDialogs.saveFile(QString(), "*.txt;*.log");
+    if (!path.isEmpty() && !replaceFile(path, m_context.trafficLog.record().toUtf8()))
+        m_context.notices.warn(texts::fileNotWritten);
 }
 
 bool SerialAssistantPage::prepareNothing()

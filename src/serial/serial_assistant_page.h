@@ -65,6 +65,9 @@ private:
     bool prepareCurve();
     bool prepareFreeForm();
 
+    /// The standard menu of the log, with what else can be done with it.
+    void showLogMenu(const QPoint &position);
+    void saveLog();
     void show(View view);
     void refreshView();
 

@@ -289,13 +289,13 @@ void TestSteps::trafficIsLoggedInOrder()
             [&lines](const QStringList &batch) { lines += batch; });
     bench.session.start(Bench::unanswered);
     bench.tick(1);
-    bench.log.add(QByteArray::fromHex("AB00"));
+    bench.log.add(TrafficLog::Direction::Received, QByteArray::fromHex("AB00"));
     bench.session.start(commandType::systemReset);
     bench.tick(200);
     QTRY_COMPARE(lines, (QStringList{"5aa5078200845a010007", "ab00"}));
-    bench.log.add("x");
+    bench.log.add(TrafficLog::Direction::Received, "x");
     bench.log.clear();
-    bench.log.add("y");
+    bench.log.add(TrafficLog::Direction::Received, "y");
     QTRY_COMPARE(lines.size(), 3);
     QCOMPARE(lines.last(), QString("79"));
 }
