@@ -1,5 +1,7 @@
 #include "common/replace_file.h"
 
+#include "common/read_file.h"
+
 #include <QFile>
 #include <QSaveFile>
 
@@ -24,6 +26,14 @@ bool replaceFile(const QString &path, const QByteArray &content)
     if (!QFile::exists(path))
         return createFile(path, content);
     QSaveFile file(path);
+    file.setDirectWriteFallback(true); // where nothing can be put beside it
+    // Flushed by hand: the commit takes no notice of a buffer that was written in part.
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() &&
-           file.commit();
+           file.flush() && file.commit();
+}
+
+bool overwriteStart(const QString &path, const QByteArray &content)
+{
+    QByteArray whole = readFile(path).value_or(QByteArray());
+    return replaceFile(path, whole.replace(0, content.size(), content));
 }

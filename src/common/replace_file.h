@@ -6,3 +6,7 @@
 /// Makes `content` the content of the file at `path`, whole or not at all: an old file stays as it
 /// was, and no new one is left, when it cannot be written. False in that case.
 bool replaceFile(const QString &path, const QByteArray &content);
+
+/// Puts `content` over the start of the file at `path`, likewise whole or not at all; what a longer
+/// file holds behind it stays.
+bool overwriteStart(const QString &path, const QByteArray &content);

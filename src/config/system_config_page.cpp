@@ -6,12 +6,12 @@
 #include "common/notices.h"
 #include "common/radio_group.h"
 #include "common/read_file.h"
+#include "common/replace_file.h"
 #include "config/encryption_texts.h"
 #include "config/screen_timings.h"
 
 #include <QButtonGroup>
 #include <QDir>
-#include <QFile>
 
 #include <algorithm>
 
@@ -237,7 +237,5 @@ void SystemConfigPage::writeFile(const QByteArray &image)
     else if (fault == cfgImage::Fault::BadKey)
         m_context.notices.warn(texts::keyError);
     // What a longer file holds behind the image stays. A file that cannot be written is no message.
-    QFile file(path);
-    if (file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-        file.write(filled);
+    overwriteStart(path, filled);
 }

@@ -1,8 +1,8 @@
 #include "font/zero_font.h"
 
 #include "common/program_folder.h"
+#include "common/replace_file.h"
 
-#include <QFile>
 #include <QPainter>
 #include <QVector>
 #include <QtConcurrent>
@@ -32,9 +32,7 @@ QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showPro
 
 void write(const QByteArray &font)
 {
-    QFile file(programFolder() + "/0_ZOLT_ASC.HZK");
-    if (file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-        file.write(font);
+    overwriteStart(programFolder() + "/0_ZOLT_ASC.HZK", font);
 }
 
 QImage preview(const QString &text, const GlyphStyle &style)

@@ -48,7 +48,6 @@ private slots:
     void addingFillsFreePositions();
     void replacingPutsPicturesFirst();
     void invalidLibrariesAreLeftAlone();
-    void librariesThatCannotBeWrittenStayWhole();
     void iconsAreShownTenToARow();
     void keyColorIsFiltered();
     void previewKeepsItsIconsUntilItIsDrawn();
@@ -198,20 +197,6 @@ void TestIcoPages::invalidLibrariesAreLeftAlone()
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("too short"));
-}
-
-void TestIcoPages::librariesThatCannotBeWrittenStayWhole()
-{
-    const QString path = libraryOf({7}, Qt::red);
-    choose("selectIcoFilePath", {picture("7_new.png", Qt::blue)});
-    // Nothing can be put beside it, as on a full disk.
-    const auto permissions = QFile::permissions(m_folder->path());
-    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::ExeOwner));
-    const bool isRoot = QFileInfo(m_folder->path()).isWritable();
-    choose("replaceIcoFile", {path});
-    QVERIFY(QFile::setPermissions(m_folder->path(), permissions));
-    QCOMPARE(m_boxes->texts, QStringList{finished});
-    QCOMPARE(colorsOf(path), (QMap<int, QByteArray>{{7, isRoot ? "001f" : "f800"}}));
 }
 
 void TestIcoPages::iconsAreShownTenToARow()
