@@ -47,6 +47,7 @@ private slots:
     void rowsAreDeletedOneByOneAndAllAtOnce();
     void configurationFilesJoinAndLeaveTheList();
     void silentModuleEndsTheDownload();
+    void pulledAdapterEndsTheDownload_data();
     void pulledAdapterEndsTheDownload();
     void stoppedDownloadStartsAgain();
     void picturesArriveAtTheScreenSize();
@@ -199,16 +200,26 @@ void TestEd2Downloads::silentModuleEndsTheDownload()
     QCOMPARE(block(1, 1), QByteArray("\xFF"));
 }
 
+void TestEd2Downloads::pulledAdapterEndsTheDownload_data()
+{
+    QTest::addColumn<int>("received"); // bytes of 300 000, before the module is gone
+    for (int tenth = 0; tenth < 10; ++tenth)
+        QTest::addRow("tenth %d", tenth) << 30000 * tenth;
+}
+
 void TestEd2Downloads::pulledAdapterEndsTheDownload()
 {
+    QFETCH(const int, received);
     k7::Behaviour unplugged;
-    unplugged.hangUpAfter = 100000;
+    unplugged.hangUpAfter = received;
     m_simulator->setBehaviour(unplugged);
     choose("chooseFontFile", {write("1_a.bin", randomBytes(300000))});
     click("downloadFont");
     waitForBox();
     runEventLoop(100);
-    QCOMPARE(m_boxes->texts, QStringList{failure});
+    QCOMPARE(m_boxes->texts.size(), 1);
+    QVERIFY((QStringList{failure, "Serial opening failed !"}).contains(m_boxes->texts.first()));
+    QVERIFY(find<QProgressBar>("fontProgressBar")->value() < 100);
 }
 
 void TestEd2Downloads::stoppedDownloadStartsAgain()

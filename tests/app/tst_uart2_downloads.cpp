@@ -211,18 +211,16 @@ void TestUart2Downloads::pulledAdapterEndsTheDownload_data()
     QTest::addColumn<QString>("open");
     QTest::addColumn<QString>("download");
     QTest::addColumn<QString>("file");
-    QTest::newRow("picture") << "openBmpFile"
-                             << "downloadBmpFile"
-                             << "1.bmp";
-    QTest::newRow("JPEG") << "openJpgFile"
-                          << "downloadJpgFile"
-                          << "1.jpg";
-    QTest::newRow("system") << "openOsFile"
-                            << "downloadOsFile"
-                            << "1.bin";
-    QTest::newRow("icons") << "openIcpFile"
-                           << "downloadIcoFile"
-                           << "1.ICO";
+    QTest::addColumn<int>("received"); // bytes, before the module is gone
+    const auto rows = [](const char *open, const char *download, const char *file, int bytes) {
+        for (int tenth = 0; tenth < 10; ++tenth)
+            QTest::addRow("%s, tenth %d", file, tenth)
+                << open << download << file << bytes * tenth / 10;
+    };
+    rows("openBmpFile", "downloadBmpFile", "1.bmp", 20 * 260);
+    rows("openJpgFile", "downloadJpgFile", "1.jpg", 20 * 246);
+    rows("openOsFile", "downloadOsFile", "1.bin", 5000);
+    rows("openIcpFile", "downloadIcoFile", "1.ICO", 256 * 134);
 }
 
 void TestUart2Downloads::pulledAdapterEndsTheDownload()
@@ -230,17 +228,22 @@ void TestUart2Downloads::pulledAdapterEndsTheDownload()
     QFETCH(const QString, open);
     QFETCH(const QString, download);
     QFETCH(const QString, file);
+    QFETCH(const int, received);
     k7::Behaviour unplugged;
-    unplugged.hangUpAfter = 3000;
+    unplugged.hangUpAfter = received;
     m_simulator->setBehaviour(unplugged);
     const QString path = file.endsWith("bmp")
-                             ? writePicture(file, QImage(100, 100, QImage::Format_RGB32))
-                             : write(file, randomBytes(20000));
+                             ? writePicture(file, QImage(60, 40, QImage::Format_RGB32))
+                             : write(file, randomBytes(file.endsWith("bin") ? 9200 : 4800));
     choose(open, {path});
     click(download);
     waitForBox();
     runEventLoop(100);
-    QCOMPARE(m_boxes->texts, QStringList{"Communication failure !"});
+    // Whichever is noticed first: that the device is gone, or that the next chunk cannot open it.
+    QCOMPARE(m_boxes->texts.size(), 1);
+    QVERIFY((QStringList{"Communication failure !", "Serial opening failed !"})
+                .contains(m_boxes->texts.first()));
+    QVERIFY(find<QProgressBar>("pictureProgress")->value() < 100);
 }
 
 QTEST_MAIN(TestUart2Downloads)
