@@ -5,6 +5,7 @@
 #include <QRawFont>
 
 #include <algorithm>
+#include <cmath>
 
 namespace glyph {
 
@@ -49,14 +50,15 @@ public:
         , m_horFactor(factor(style.horScale))
         , m_shift(style.horShift / 10.0, style.verShift / 10.0)
     {
-        if (!isVisible())
+        if (m_horFactor <= 0)
             return;
         m_font.setPointSizeF(static_cast<qreal>(static_cast<float>(size) * m_horFactor));
         m_verFactor = factor(style.verScale) / m_horFactor;
     }
 
-    /// A scale of 0 or less leaves nothing of the glyphs.
-    bool isVisible() const { return m_horFactor > 0; }
+    /// A scale of 0 or less leaves nothing of the glyphs, and Qt's rasteriser crashes on glyphs
+    /// that are squeezed to almost nothing.
+    bool isVisible() const { return m_horFactor > 0 && std::abs(m_verFactor) >= minVerFactor; }
     const QFont &font() const { return m_font; }
 
     void begin(QPainter &painter) const
@@ -71,6 +73,7 @@ public:
     }
 
 private:
+    static constexpr float minVerFactor = 1.0F / 128;
     static float factor(int twentieths) { return 1.0F + static_cast<float>(twentieths) / 20.0F; }
 
     const int m_size;

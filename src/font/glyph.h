@@ -28,7 +28,8 @@ using Codes = std::bitset<codes>;
 Codes codesIn(const QFont &font);
 
 /// `text` in a cell of `size`, white on black, 24 bits a pixel. Black only when the scale leaves
-/// nothing of the glyph, or when the font lacks a character.
+/// nothing of the glyph (less than 1/128 of its height counts as nothing), or when the font lacks a
+/// character.
 QImage render(int size, const QString &text, const GlyphStyle &style);
 
 /// The bits of `cell`, a picture of 24 bits a pixel: rows from the top, each filled up to whole

@@ -192,7 +192,7 @@ const QImage &ImageConversionPage::currentPicture()
 {
     const QString &path = m_list.pictures().at(m_ui->pictureTable->currentRow()).path;
     const QDateTime modified = QFileInfo(path).lastModified();
-    if (m_decoded.path != path || m_decoded.modified != modified)
+    if (m_decoded.path != path || m_decoded.modified != modified || m_decoded.image.isNull())
         m_decoded = {path, modified, picture::decode(readFile(path).value_or(QByteArray()))};
     return m_decoded.image;
 }

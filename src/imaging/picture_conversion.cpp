@@ -71,9 +71,9 @@ void run(const Batch &batch, const QSize &size)
         return;
     for (const Job &job : batch) {
         const QImage image = picture::decode(readFile(job.source).value_or(QByteArray()));
-        if (!image.isNull())
-            replaceFile(job.output,
-                        bmpOf(image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation)));
+        const QImage scaled = image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+        if (!scaled.isNull())
+            replaceFile(job.output, bmpOf(scaled));
     }
 }
 

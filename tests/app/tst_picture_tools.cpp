@@ -24,6 +24,7 @@ private slots:
     void foldersAreListed();
     void rowsAreMovedDeletedAndSorted();
     void currentPictureIsShown();
+    void slidersMoveThePicture();
     void changedPicturesAreShownAnew();
     void picturesAreConverted();
     void zeroFontIsWritten();
@@ -158,6 +159,29 @@ void TestPictureTools::currentPictureIsShown()
     QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
     screen->setCurrentText("0X0");
     QCOMPARE(shown(0, 0), qRgb(128, 128, 128));
+}
+
+void TestPictureTools::slidersMoveThePicture()
+{
+    openTab(5);
+    QImage quarters(2, 2, QImage::Format_RGB32);
+    quarters.fill(Qt::red);
+    quarters.setPixelColor(1, 0, Qt::green);
+    quarters.setPixelColor(0, 1, Qt::blue);
+    QVERIFY(quarters.save(m_folder->filePath("1.png")));
+    picture("2.png", Qt::yellow);
+    choose("addPicture", {m_folder->path()});
+    find<QComboBox>("pictureSrceen")->setCurrentText("1024X768");
+    find<QComboBox>("scaleMultiple")->setCurrentText("200%");
+    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+    find<QScrollBar>("pictureHorizontal")->setValue(1024);
+    QCOMPARE(shown(0, 0), qRgb(0, 255, 0));
+    find<QScrollBar>("pictureHorizontal")->setValue(1023);
+    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+    find<QScrollBar>("pictureVertical")->setValue(768);
+    QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
+    click("deletePicture");
+    QCOMPARE(shown(0, 0), qRgb(255, 255, 0));
 }
 
 void TestPictureTools::changedPicturesAreShownAnew()

@@ -196,6 +196,8 @@ void TestZeroFont::scalesWithoutSizeGiveEmptyGlyphs_data()
     QTest::newRow("no width") << -20 << 7;
     QTest::newRow("negative width") << -500 << 500;
     QTest::newRow("no height") << 5 << -20;
+    QTest::newRow("squeezed") << 200 << -19;
+    QTest::newRow("squeezed upside down") << 500 << -22;
 }
 
 void TestZeroFont::scalesWithoutSizeGiveEmptyGlyphs()
