@@ -1,7 +1,7 @@
 #include "simulator/vp_reactions.h"
 
 #include "common/big_endian.h"
-#include "serial/modbus_crc16.h"
+#include "crc/file_crc.h"
 
 #include <QStringList>
 
@@ -216,7 +216,7 @@ QString computeCrc(ModuleState &state)
     const quint16 unit = state.vp.at(crcVp + 1);
     if (highByte(request) != compute)
         return {};
-    const quint16 crc = ModbusCrc16::of(checkedBytes(state, lowByte(request), unit));
+    const quint16 crc = fileCrc(checkedBytes(state, lowByte(request), unit));
     state.crc = static_cast<quint16>(crc << 8 | crc >> 8);
     state.crcReadsLeft = state.busyReads;
     if (state.busyReads == 0)

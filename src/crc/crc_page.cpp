@@ -74,6 +74,8 @@ void CrcPage::list(const QStringList &paths)
     for (const QString &path : paths) {
         if (!crcCheck::isChecked(path))
             continue;
+        if (QFileInfo(path).size() > maxFileBytes)
+            m_context.notices.warn(texts::fileTooLarge);
         const crcCheck::Units units = [&path] {
             const WaitCursor busy;
             const auto content = readFile(path);

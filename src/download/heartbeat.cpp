@@ -33,17 +33,21 @@ void Heartbeat::onTimeout()
 void Heartbeat::runDueTicks()
 {
     m_readLinks();
+    const qint64 now = m_time.nsecsElapsed();
     if (m_session.starts != m_startsSeen) {
         m_startsSeen = m_session.starts;
-        m_dispatch.tick();
-        // The waits count from here: opening a port takes its time, which must not shorten them.
-        m_clock.restart(m_time.nsecsElapsed());
-        return;
+        m_clock.restart(now - TickClock::tickNanoseconds);
     }
-    const qint64 now = m_time.nsecsElapsed();
     m_clock.limit(now);
     // An exchange that a tick starts waits for its own first timeout.
     while (m_session.starts == m_startsSeen && m_session.commandType != commandType::idle &&
-           m_clock.take(now))
+           m_clock.take(now)) {
         m_dispatch.tick();
+        if (m_session.tick <= 1) {
+            // A wait begins: what it waits for is sent and answered in later passes only, and the
+            // time that sending took, or opening a port, must not shorten it.
+            m_clock.restart(m_time.nsecsElapsed());
+            return;
+        }
+    }
 }

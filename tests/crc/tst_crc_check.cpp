@@ -104,7 +104,9 @@ private slots:
     void filesAreCutIntoUnits_data();
     void filesAreCutIntoUnits();
     void picturesAreCheckedByTheirPixels();
+    void unitsAreAskedForAndCompared_data();
     void unitsAreAskedForAndCompared();
+    void unitsOfAllKindsAreCompared();
     void corruptedUnitsDiffer();
     void onceTrueStaysTrue();
     void busyModulesAreAskedAgain();
@@ -199,25 +201,39 @@ void TestCrcCheck::picturesAreCheckedByTheirPixels()
     QCOMPARE(broken.items.at(0).calculatedCrc, QString("FFFF"));
 }
 
+void TestCrcCheck::unitsAreAskedForAndCompared_data()
+{
+    QTest::addColumn<int>("rate");
+    QTest::addColumn<int>("readTicks");
+    QTest::addColumn<int>("compareTicks");
+    QTest::newRow("9600") << 9600 << 42 << 69;
+    QTest::newRow("115200") << 115200 << 5 << 7;
+    QTest::newRow("6250000") << 6250000 << 2 << 2;
+}
+
 void TestCrcCheck::unitsAreAskedForAndCompared()
 {
+    QFETCH(const int, rate);
+    QFETCH(const int, readTicks);
+    QFETCH(const int, compareTicks);
     Bench bench;
+    bench.rate = rate;
     bench.listFlashFile(randomBytes(0x41000));
     bench.comparison->start();
-    // At 115200: read when the tick passes 4, compared when it passes 6.
-    bench.tick(1 + 5 + 7);
+    const int unitTicks = 1 + readTicks + compareTicks;
+    bench.tick(unitTicks);
     QCOMPARE(bench.link.written,
              (QVector<QByteArray>{QByteArray::fromHex("5AA50782 00E0 5A00 0340"),
                                   QByteArray::fromHex("5AA50483 00E0 02")}));
-    QCOMPARE(bench.writeTicks, (QVector<int>{1, 6}));
+    QCOMPARE(bench.writeTicks, (QVector<int>{1, 1 + readTicks}));
     QCOMPARE(bench.progress, (QVector<int>{0, 50}));
     QCOMPARE(bench.shown, 0);
     bench.notices.whileOpen = [&bench] {
         QCOMPARE(bench.session.commandType, commandType::idle);
         QCOMPARE(bench.shown, 1);
-        bench.tick(100);
+        bench.tick(1000);
     };
-    bench.tick(13);
+    bench.tick(unitTicks);
     QCOMPARE(bench.notices.shown, QStringList{finished});
     QCOMPARE(bench.progress.last(), 100);
     QCOMPARE(bench.link.written.size(), 4);
@@ -226,6 +242,30 @@ void TestCrcCheck::unitsAreAskedForAndCompared()
         QVERIFY(item.isIntact());
         QCOMPARE(item.compareResult, QString("true"));
     }
+}
+
+void TestCrcCheck::unitsOfAllKindsAreCompared()
+{
+    Bench bench;
+    QImage image(20, 10, QImage::Format_RGB32);
+    image.fill(Qt::green);
+    bench.module.receive(k7::Link::Ed2, QByteArray::fromHex("5AA50680F55A010007"));
+    QByteArray pixels;
+    for (int i = 0; i < 200; ++i)
+        pixels += QByteArray::fromHex("07E0");
+    bench.module.receive(k7::Link::Ed2, pixels);
+    const QByteArray system = randomBytes(4096 + 700);
+    for (int i = 0; i < 350; ++i)
+        bench.module.setVp(static_cast<quint16>(0x1000 + i),
+                           static_cast<quint16>(static_cast<quint8>(system.at(4096 + 2 * i)) << 8 |
+                                                static_cast<quint8>(system.at(4097 + 2 * i))));
+    bench.comparison->setItems(crcCheck::unitsOf("7_a.bmp", bmpOf(image)).items +
+                               crcCheck::unitsOf("ZOLTOS.bin", system).items);
+    bench.comparison->start();
+    bench.tick(100);
+    QCOMPARE(bench.notices.shown, QStringList{finished});
+    QVERIFY(bench.comparison->items().at(0).isIntact());
+    QVERIFY(bench.comparison->items().at(1).isIntact());
 }
 
 void TestCrcCheck::corruptedUnitsDiffer()

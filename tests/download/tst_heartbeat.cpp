@@ -70,6 +70,7 @@ private slots:
     void linksAreReadBeforeTicksAreJudged();
     void exchangeAfterAPauseBeginsWithOneTick();
     void waitsCountFromTheEndOfTheFirstTick();
+    void waitsThatBeginInATickAreNotMadeUpFor();
 };
 
 void TestHeartbeat::clockCountsWholeMilliseconds()
@@ -202,6 +203,34 @@ void TestHeartbeat::waitsCountFromTheEndOfTheFirstTick()
     bench.session.start(type);
     runEventLoopUntil([&wait] { return wait != 0; });
     QVERIFY(wait >= millisecond);
+}
+
+void TestHeartbeat::waitsThatBeginInATickAreNotMadeUpFor()
+{
+    // A step that sets the tick back sends something and waits for the answer: however late the
+    // window is, the answer gets a pass of the event loop for each tick.
+    Bench bench;
+    QVector<int> passes;
+    int pass = 0;
+    bench.step->onTick = [&](int tick) {
+        if (tick == 3) {
+            bench.session.tick = 0;
+            QThread::msleep(10);
+        }
+        passes.append(pass);
+        if (passes.size() > 30)
+            bench.session.commandType = commandType::idle;
+    };
+    QTimer everyPass;
+    connect(&everyPass, &QTimer::timeout, this, [&pass] { ++pass; });
+    everyPass.start(0);
+    bench.session.start(type);
+    runEventLoopUntil([&bench] { return bench.session.commandType == commandType::idle; });
+    // Ticks 3 (which begins a wait) and 1 never share a pass, nor do 1 and 2.
+    for (int i = 3; i + 1 < passes.size(); i += 3) {
+        QVERIFY(passes.at(i) > passes.at(i - 1));
+        QVERIFY(passes.at(i + 1) > passes.at(i));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestHeartbeat)
