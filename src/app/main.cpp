@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QIcon>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -72,6 +73,10 @@ int main(int argc, char *argv[])
 
     // The geometry of the pages is drawn for this style.
     QApplication::setStyle("Fusion");
+    // Wayland takes the icon from the desktop entry, others from the window: a PNG, because the
+    // plugin that reads SVG may not be installed.
+    QApplication::setDesktopFileName("voraii-tool");
+    QApplication::setWindowIcon(QIcon(":/voraii-tool.png"));
     k7::Simulator simulator;
     Dialog dialog;
     dialog.setDefaultFolder(QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) +
