@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and running the tool need, where any is missing.
+# Installs the Debian packages that building, testing, packaging and running the tool need, where any
+# is missing.
 set -euo pipefail
 
 packages=(
   g++ cmake ninja-build clang-format
   qtbase5-dev libqt5serialport5-dev
+  dpkg-dev file
   fonts-dejavu-core fonts-wqy-zenhei qttranslations5-l10n
 )
 
