@@ -53,15 +53,6 @@ private slots:
     void previewKeepsItsIconsUntilItIsDrawn();
 
 private:
-    QString picture(const QString &name, const QColor &color, int width = 4, int height = 2)
-    {
-        QImage image(width, height, QImage::Format_RGB32);
-        image.fill(color);
-        const QString path = m_folder->filePath(name);
-        if (!image.save(path))
-            qFatal("cannot write %s", qPrintable(path));
-        return path;
-    }
     QString cell(int row, int column)
     {
         return find<QTableWidget>("ICOFileTable")->item(row, column)->text();

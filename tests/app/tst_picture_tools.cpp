@@ -31,15 +31,6 @@ private slots:
     void zeroFontFollowsItsSettings();
 
 private:
-    QString picture(const QString &name, const QColor &color, int width = 4, int height = 2)
-    {
-        QImage image(width, height, QImage::Format_RGB32);
-        image.fill(color);
-        const QString path = m_folder->filePath(name);
-        if (!image.save(path))
-            qFatal("cannot write %s", qPrintable(path));
-        return path;
-    }
     QStringList column(int column)
     {
         auto *table = find<QTableWidget>("pictureTable");

@@ -42,13 +42,6 @@ private:
     {
         return QSettings(programFolder() + "/SystemConfig.ini", QSettings::IniFormat).value(key);
     }
-    QString writePicture(const QString &name, const QImage &image)
-    {
-        const QString path = m_folder->filePath(name);
-        if (!image.save(path))
-            qFatal("cannot write %s", qPrintable(path));
-        return path;
-    }
     void chooseRate(int rate)
     {
         auto *set = m_dialog->findChildren<SerialSet *>().first();

@@ -1,12 +1,8 @@
 #include "crc/crc_comparison.h"
 #include "crc/file_crc.h"
-#include "download/step_dispatch.h"
 #include "serial/modbus_crc16.h"
-#include "serial/reply_receiver.h"
-#include "simulator/module.h"
-#include "support/fake_link.h"
+#include "support/module_bench.h"
 #include "support/random_bytes.h"
-#include "support/recording_notices.h"
 
 #include <QBuffer>
 #include <QtTest>
@@ -40,19 +36,11 @@ QByteArray bmpOf(const QImage &image)
     return bmp;
 }
 
-/// A comparison over a link whose other end is the simulated module.
-struct Bench
+/// A comparison with the simulated module.
+struct Bench : ModuleBench
 {
     Bench()
     {
-        builder.setHeader(0x5A, 0xA5, false);
-        replies.setHeader(0x5A, 0xA5);
-        link.whenWritten = [this](const QByteArray &bytes) {
-            writeTicks.append(ticks);
-            for (const QByteArray &reply : module.receive(k7::Link::Uart2, bytes))
-                if (answers)
-                    replies.receive(reply);
-        };
         auto owned = std::make_unique<CrcComparison>(
             session, link, notices, builder,
             CrcComparison::Window{[this] { return rate; },
@@ -62,13 +50,6 @@ struct Bench
         dispatch.add(commandType::crcComparison, std::move(owned));
     }
 
-    void tick(int times)
-    {
-        for (int i = 0; i < times; ++i) {
-            ++ticks;
-            dispatch.tick();
-        }
-    }
     void listFlashFile(const QByteArray &content)
     {
         module.setFlash(3 * k7::Flash::blockBytes, content);
@@ -76,18 +57,8 @@ struct Bench
     }
 
     int rate = 115200;
-    bool answers = true;
-    int ticks = 0;
     int shown = 0;
     QVector<int> progress;
-    QVector<int> writeTicks;
-    DownloadSession session;
-    FrameBuilder builder;
-    ReplyReceiver replies{uartReceiveRules, builder, session.replyReceived};
-    k7::Module module;
-    FakeLink link;
-    RecordingNotices notices;
-    StepDispatch dispatch{session};
     CrcComparison *comparison = nullptr;
 };
 

@@ -6,13 +6,9 @@
 #include "download/jpeg_file.h"
 #include "download/jpg_download.h"
 #include "download/os_download.h"
-#include "download/step_dispatch.h"
 #include "download/system_reset.h"
-#include "serial/reply_receiver.h"
-#include "simulator/module.h"
-#include "support/fake_link.h"
+#include "support/module_bench.h"
 #include "support/random_bytes.h"
-#include "support/recording_notices.h"
 
 #include <QBuffer>
 #include <QtTest>
@@ -22,21 +18,11 @@ namespace {
 const QString complete = "The download is complete !";
 const QString failure = "Communication failure !";
 
-/// The downloads over a link whose other end is the simulated module. Everything happens within the
-/// tick that writes.
-struct Bench
+/// The downloads over UART2 to the simulated module.
+struct Bench : ModuleBench
 {
-    explicit Bench(int lineRate = 115200, bool crc = false)
-        : rate(lineRate), module(k7::FrameFormat{0x5A, 0xA5, crc})
+    explicit Bench(int lineRate = 115200, bool crc = false) : ModuleBench(crc), rate(lineRate)
     {
-        builder.setHeader(0x5A, 0xA5, crc);
-        replies.setHeader(0x5A, 0xA5);
-        link.whenWritten = [this](const QByteArray &bytes) {
-            writeTicks.append(ticks);
-            for (const QByteArray &reply : module.receive(k7::Link::Uart2, bytes))
-                if (answers)
-                    replies.receive(reply);
-        };
         const StagedDownload::Window window{[this] { return rate; },
                                             [this](int percent) { progress = percent; }};
         add(commandType::bmpDownload, linearBmp, window, BmpDownload::linear());
@@ -57,13 +43,6 @@ struct Bench
         dispatch.add(type, std::move(owned));
     }
 
-    void tick(int times)
-    {
-        for (int i = 0; i < times; ++i) {
-            ++ticks;
-            dispatch.tick();
-        }
-    }
     /// Runs until the exchange is over; false if it is not within `limit` ticks.
     bool finish(int limit = 10'000'000)
     {
@@ -92,20 +71,10 @@ struct Bench
     }
 
     int rate;
-    bool answers = true;
     int page = 7;
     bool isK7Uid1 = true;
     JpgDownload::Display display{0, 100, 50};
     int progress = -1;
-    int ticks = 0;
-    QVector<int> writeTicks; // of every write, counted from the start of the bench
-    DownloadSession session;
-    FrameBuilder builder;
-    ReplyReceiver replies{uartReceiveRules, builder, session.replyReceived};
-    k7::Module module;
-    FakeLink link;
-    RecordingNotices notices;
-    StepDispatch dispatch{session};
     BmpDownload *linearBmp = nullptr;
     BmpDownload *pagedBmp = nullptr;
     JpgDownload *jpg = nullptr;

@@ -8,6 +8,7 @@
 #include "support/event_loop.h"
 
 #include <QFile>
+#include <QImage>
 #include <QPushButton>
 #include <QTemporaryDir>
 
@@ -63,6 +64,20 @@ protected:
         if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             qFatal("cannot write %s", qPrintable(path));
         return path;
+    }
+    QString writePicture(const QString &name, const QImage &image)
+    {
+        const QString path = m_folder->filePath(name);
+        if (!image.save(path))
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
+    }
+    /// The same for a picture of one colour.
+    QString picture(const QString &name, const QColor &color, int width = 4, int height = 2)
+    {
+        QImage image(width, height, QImage::Format_RGB32);
+        image.fill(color);
+        return writePicture(name, image);
     }
     void waitForBox()
     {
