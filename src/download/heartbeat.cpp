@@ -46,7 +46,7 @@ void Heartbeat::runDueTicks()
         if (m_session.tick <= 1) {
             // A wait begins: what it waits for is sent and answered in later passes only, and the
             // time that sending took, or opening a port, must not shorten it.
-            m_clock.restart(m_time.nsecsElapsed());
+            m_clock.beginWait(m_time.nsecsElapsed());
             return;
         }
     }

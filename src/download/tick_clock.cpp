@@ -1,5 +1,11 @@
 #include "download/tick_clock.h"
 
+void TickClock::beginWait(qint64 now)
+{
+    if (now - m_last >= tickNanoseconds)
+        m_last = now;
+}
+
 void TickClock::limit(qint64 now)
 {
     m_last = qMax(m_last, now - maxTicksAtOnce * tickNanoseconds);

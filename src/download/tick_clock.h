@@ -16,6 +16,9 @@ public:
     /// The next tick is due a whole tick after `now`.
     void restart(qint64 now) { m_last = now; }
 
+    /// A wait begins at `now`: if ticks are due already, the next one is due a whole tick later.
+    void beginWait(qint64 now);
+
     /// Forgets what is due at `now` beyond maxTicksAtOnce.
     void limit(qint64 now);
 

@@ -7,6 +7,7 @@
 #include "font/zero_font.h"
 
 #include <QFontDialog>
+#include <QSignalBlocker>
 #include <QTimer>
 
 ZeroFontPage::ZeroFontPage(const PageContext &context, QWidget *parent)
@@ -16,6 +17,7 @@ ZeroFontPage::ZeroFontPage(const PageContext &context, QWidget *parent)
     , m_font("宋体", 8)
 {
     m_ui->setupUi(this);
+    const QSignalBlocker noPreview(m_ui->comboBox); // not yet
     for (ushort code = 32; code <= 127; ++code)
         m_ui->comboBox->addItem(QString(QChar(code)));
     m_ui->comboBox->setCurrentText("A");
@@ -47,13 +49,12 @@ void ZeroFontPage::on_systemLanguage_activated(const QString &language)
     m_isTextChangeReported = false;
 }
 
-void ZeroFontPage::showEvent(QShowEvent *event)
+void ZeroFontPage::paintEvent(QPaintEvent *event)
 {
-    QWidget::showEvent(event);
-    // After the window has appeared: the start must not wait for the preview.
-    if (!m_ui->fontDisplay->pixmap(Qt::ReturnByValue).isNull())
-        return;
-    QTimer::singleShot(0, this, &ZeroFontPage::drawPreview);
+    QWidget::paintEvent(event);
+    if (m_isPreviewDue)
+        QTimer::singleShot(0, this, &ZeroFontPage::drawPreview);
+    m_isPreviewDue = false;
 }
 
 void ZeroFontPage::on_CreatZeroFont_clicked()

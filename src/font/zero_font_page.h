@@ -32,7 +32,7 @@ signals:
     void languageChosen(const QString &language);
 
 protected:
-    void showEvent(QShowEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private slots:
     void on_systemLanguage_currentTextChanged(const QString &language);
@@ -52,5 +52,7 @@ private:
     const PageContext m_context;
     std::unique_ptr<Ui::ZeroFontPage> m_ui;
     QFont m_font;
+    /// The first preview is drawn when the window has been painted: its start does not wait for it.
+    bool m_isPreviewDue = true;
     bool m_isTextChangeReported = false; ///< the choice that is under way was asked for already
 };
