@@ -1,6 +1,5 @@
 #include "app/dialog.h"
 
-#include "common/program_folder.h"
 #include "config/system_config_page.h"
 #include "crc/crc_page.h"
 #include "download/device_page.h"
@@ -40,7 +39,7 @@ QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QStrin
 Dialog::Dialog(QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint)
     , m_systemPorts(std::async(std::launch::async, &SerialSet::systemPorts))
-    , m_settings(programFolder() + "/SystemConfig.ini")
+    , m_settings(m_folder.own + "/SystemConfig.ini", m_folder.executable + "/SystemConfig.ini")
     , m_language(*this, m_settings)
     , m_uartReplies(uartReceiveRules, m_builder, m_session.replyReceived)
     , m_ed2Replies(ed2ReceiveRules, m_builder, m_session.replyReceived)
@@ -130,7 +129,7 @@ void Dialog::loadSettings()
 
 void Dialog::openInitialTab()
 {
-    const QSettings config(programFolder() + "/config.cfg", QSettings::IniFormat);
+    const QSettings config(m_folder.fileToRead("config.cfg"), QSettings::IniFormat);
     m_tabs->setCurrentIndex(config.value("tabview/tabview").toInt());
 }
 
@@ -149,10 +148,10 @@ void Dialog::keyPressEvent(QKeyEvent *event)
 
 void Dialog::buildPages()
 {
-    const PageContext context{
-        m_session,     m_builder,  m_uartReplies, m_ed2Replies,    m_trafficLog,
-        m_uartPort,    m_ed2Port,  *m_uartSet,    *m_ed2Set,       m_notices,
-        m_fileDialogs, m_settings, m_dispatch,    m_defaultFolder, m_language.isEnglish()};
+    const PageContext context{m_session,    m_builder,       m_uartReplies, m_ed2Replies,
+                              m_trafficLog, m_uartPort,      m_ed2Port,     *m_uartSet,
+                              *m_ed2Set,    m_notices,       m_fileDialogs, m_settings,
+                              m_dispatch,   m_defaultFolder, m_folder.own,  m_language.isEnglish()};
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName("tabWidget");
@@ -184,6 +183,8 @@ void Dialog::buildPages()
 
 void Dialog::connectLinks()
 {
+    m_uartPort.setPeer(m_ed2Port);
+    m_ed2Port.setPeer(m_uartPort);
     connect(&m_uartPort, &SerialLink::readyRead, this, [this] {
         const QByteArray bytes = m_uartPort.readAll();
         m_trafficLog.add(TrafficLog::Direction::Received, bytes);

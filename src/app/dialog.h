@@ -3,6 +3,7 @@
 #include "app/language.h"
 #include "app/message_box_notices.h"
 #include "app/widget_file_dialogs.h"
+#include "common/program_folder.h"
 #include "common/tool_settings.h"
 #include "download/download_session.h"
 #include "download/heartbeat.h"
@@ -41,6 +42,9 @@ public:
     /// The screen resolution that the picture pages begin with, such as "480X272".
     void setResolutionText(const QString &text);
 
+    /// Where the tool keeps its files.
+    const QString &folder() const { return m_folder.own; }
+
     /// The language that was applied last, as selectLanguage() takes it; empty before the first
     /// time.
     const QString &language() const { return m_language.applied(); }
@@ -70,6 +74,7 @@ private:
 
     /// First of all: the system takes its time to list the ports, and the rest is built meanwhile.
     std::future<QStringList> m_systemPorts;
+    const ProgramFolder m_folder = findProgramFolder();
     ToolSettings m_settings;
     Language m_language;
     QString m_defaultFolder;
@@ -95,6 +100,6 @@ private:
     ImageConversionPage *m_imageConversion = nullptr;
     StepDispatch m_dispatch;
     Heartbeat m_heartbeat;
-    StepwiseZeroFont m_stepwiseZeroFont;
+    StepwiseZeroFont m_stepwiseZeroFont{m_folder.own};
     MyThread m_fontThread;
 };

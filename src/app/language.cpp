@@ -17,8 +17,8 @@ const QString Language::english = QStringLiteral("English");
 namespace {
 
 const QString languageKey = QStringLiteral("Language/Language");
-const QString chineseGroup = QStringLiteral("Chinese/");
-const QString englishGroup = QStringLiteral("English/");
+const QString chineseGroup = QStringLiteral("Chinese");
+const QString englishGroup = QStringLiteral("English");
 
 /// The tab widget on which `page` is a page, if it is one.
 QTabWidget *tabsOf(QWidget *page)
@@ -42,6 +42,16 @@ void dress(QWidget *widget, const QString &text)
         browser->setPlainText(text);
 }
 
+QVector<iniText::Entry> defaultsOf(const QString &group)
+{
+    QVector<iniText::Entry> defaults;
+    for (const Caption &caption : captions())
+        defaults.append(
+            {group + '/' + caption.key,
+             {QString::fromUtf8(group == chineseGroup ? caption.chinese : caption.english)}});
+    return defaults;
+}
+
 } // namespace
 
 QStringList Caption::widgetNames() const
@@ -53,7 +63,8 @@ void Language::load()
 {
     const QString stored = m_settings.text(languageKey);
     if (stored.isEmpty())
-        seed();
+        m_settings.set(QVector<iniText::Entry>{{languageKey, {english}}} +
+                       defaultsOf(chineseGroup) + defaultsOf(englishGroup));
     else
         apply(stored);
 }
@@ -67,13 +78,16 @@ void Language::apply(const QString &language)
     for (auto *widget : m_window.findChildren<QWidget *>())
         widgets.insert(widget->objectName(), widget);
     const QString &group = m_isEnglish ? englishGroup : chineseGroup;
+    // The file may have been deleted meanwhile. A single missing key is the user's choice.
+    if (!m_settings.hasGroup(group))
+        m_settings.set(defaultsOf(group));
     for (const Caption &caption : captions()) {
-        const QString text = m_settings.text(group + caption.key);
+        const QString text = m_settings.caption(group + '/' + caption.key);
         for (const QString &name : caption.widgetNames())
             if (QWidget *widget = widgets.value(name))
                 dress(widget, text);
     }
-    m_settings.setText(languageKey, language);
+    m_settings.set({{languageKey, {language}}});
     translateQt();
 }
 
@@ -83,13 +97,4 @@ void Language::translateQt()
     if (!m_isEnglish &&
         m_qtTexts.load("qtbase_zh_CN", QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(&m_qtTexts);
-}
-
-void Language::seed()
-{
-    m_settings.setText(languageKey, english);
-    for (const Caption &caption : captions()) {
-        m_settings.setText(chineseGroup + caption.key, QString::fromUtf8(caption.chinese));
-        m_settings.setText(englishGroup + caption.key, QString::fromUtf8(caption.english));
-    }
 }

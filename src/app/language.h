@@ -44,11 +44,11 @@ public:
     void load();
 
     /// Gives every widget its text from the settings, an empty one where the key is missing, and
-    /// stores `language`.
+    /// stores `language`. Where the settings have no text of it at all, the defaults are written
+    /// first.
     void apply(const QString &language);
 
 private:
-    void seed();
     /// Gives Qt's own dialogs the language too, where its texts are installed.
     void translateQt();
 

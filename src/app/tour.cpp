@@ -5,7 +5,6 @@
 #include "app/message_boxes.h"
 #include "common/event_loop.h"
 #include "common/picture.h"
-#include "common/program_folder.h"
 #include "common/read_file.h"
 #include "ico/ico_library.h"
 #include "serial/serial_set.h"
@@ -409,7 +408,7 @@ bool Tour::zeroFont()
 {
     if (!pressAndRead("CreatZeroFont", "Creat finish！"))
         return false;
-    const QByteArray font = readFile(programFolder() + "/0_ZOLT_ASC.HZK").value_or(QByteArray());
+    const QByteArray font = readFile(m_dialog.folder() + "/0_ZOLT_ASC.HZK").value_or(QByteArray());
     // The letter A in the largest size: 64 pixels of 128 rows, and there is ink.
     const QByteArray letter = font.right(128 * 1024).mid('A' * 1024, 1024);
     return font.size() >= 3082752 && letter.count('\0') < 1024;

@@ -1,7 +1,12 @@
 #include "common/tool_settings.h"
 
+#include "common/read_file.h"
+#include "common/replace_file.h"
+
+#include <QFile>
 #include <QVariant>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -27,9 +32,13 @@ QString resolutionKey(int index)
 
 } // namespace
 
-ToolSettings::ToolSettings(const QString &file) : m_store(file, QSettings::IniFormat)
+ToolSettings::ToolSettings(const QString &file, const QString &prepared)
+    : m_file(file), m_store(file, QSettings::IniFormat)
 {
     m_store.setIniCodec("UTF-8");
+    const auto initial = QFile::exists(file) ? std::nullopt : readFile(prepared);
+    if (initial && replaceFile(file, *initial))
+        m_store.sync();
     m_icoFolder = text(icoKey);
     m_fontFolder = text(fontKey);
     m_imageFolder = text(imageKey);
@@ -38,38 +47,80 @@ ToolSettings::ToolSettings(const QString &file) : m_store(file, QSettings::IniFo
 void ToolSettings::rememberIcoPath(const QString &path)
 {
     m_icoFolder = path;
-    m_store.setValue(icoKey, path);
+    set({{icoKey, {path}}});
 }
 
 void ToolSettings::rememberFontFiles(const QStringList &paths)
 {
     m_fontFolder = paths.value(0);
-    m_store.setValue(fontKey, paths);
+    set({{fontKey, paths}});
 }
 
 void ToolSettings::rememberImagePath(const QString &path)
 {
     m_imageFolder = path;
-    m_store.setValue(imageKey, path);
+    set({{imageKey, {path}}});
 }
 
 void ToolSettings::rememberImageFiles(const QStringList &paths)
 {
     m_imageFolder = paths.value(0);
-    m_store.setValue(imageKey, paths);
+    set({{imageKey, paths}});
 }
 
 QStringList ToolSettings::loadResolutions()
 {
-    const int count = m_store.value(countKey).toInt();
+    const int count = value(countKey).toInt();
     QStringList resolutions;
     for (int i = 0; i < qMin(count, maxResolutions); ++i)
         resolutions.append(text(resolutionKey(i)));
     if (count == 0) {
-        m_store.setValue(countKey, static_cast<int>(defaultResolutions.size()));
+        const int defaults = static_cast<int>(defaultResolutions.size());
+        QVector<iniText::Entry> entries{{countKey, {QString::number(defaults)}}};
         int index = 0;
         for (const char *resolution : defaultResolutions)
-            setText(resolutionKey(index++), resolution);
+            entries.append({resolutionKey(index++), {resolution}});
+        set(entries);
     }
     return resolutions;
+}
+
+QString ToolSettings::caption(const QString &key) const
+{
+    const QVariant found = value(key);
+    return found.type() == QVariant::StringList
+               ? iniText::rawValue(readFile(m_file).value_or(QByteArray()), key)
+               : found.toString();
+}
+
+bool ToolSettings::hasGroup(const QString &group) const
+{
+    const auto isInGroup = [&group](const iniText::Entry &entry) {
+        return entry.key.startsWith(group + '/');
+    };
+    return std::any_of(m_unwritten.begin(), m_unwritten.end(), isInGroup) ||
+           m_store.childGroups().contains(group);
+}
+
+void ToolSettings::set(const QVector<iniText::Entry> &entries)
+{
+    m_unwritten += entries;
+    const auto old = readFile(m_file);
+    // A file that cannot be read is not replaced: what it holds would be lost.
+    if (!old && QFile::exists(m_file))
+        return;
+    if (replaceFile(m_file, iniText::withEntries(old.value_or(QByteArray()), m_unwritten)))
+        m_unwritten.clear();
+    m_store.sync();
+}
+
+QVariant ToolSettings::value(const QString &key) const
+{
+    const auto unwritten =
+        std::find_if(m_unwritten.rbegin(), m_unwritten.rend(),
+                     [&key](const iniText::Entry &entry) { return entry.key == key; });
+    if (unwritten == m_unwritten.rend())
+        return m_store.value(key);
+    return unwritten->values.size() == 1 ? QVariant(unwritten->values.first())
+                                         : QVariant(unwritten->values);
 }

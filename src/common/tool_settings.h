@@ -1,16 +1,20 @@
 #pragma once
 
+#include "common/ini_text.h"
+
 #include <QSettings>
 #include <QString>
 #include <QStringList>
 
-/// The tool's own settings: an INI file, UTF-8, opened once and kept for the life of the window. A
-/// missing or unreadable file is a file without keys. Every change is one key, written at once.
+/// The tool's own settings: an INI file, UTF-8, kept for the life of the window. A missing or
+/// unreadable file is a file without keys. Every change is written at once, and whole or not at
+/// all; one that cannot be written holds until the window is closed.
 class ToolSettings
 {
 public:
-    /// Reads the start folders from `file`.
-    explicit ToolSettings(const QString &file);
+    /// Reads the start folders from `file`. Where there is no such file yet, that of `prepared` is
+    /// its first content.
+    explicit ToolSettings(const QString &file, const QString &prepared = QString());
 
     // Where file dialogs start: a folder or a path in it; empty before the first choice.
     const QString &icoFolder() const { return m_icoFolder; }
@@ -32,11 +36,19 @@ public:
 
     /// Takes in what was edited in the file meanwhile.
     void refresh() { m_store.sync(); }
-    QString text(const QString &key) const { return m_store.value(key).toString(); }
-    void setText(const QString &key, const QString &text) { m_store.setValue(key, text); }
+    /// Empty for a list: an unquoted comma makes one of a value.
+    QString text(const QString &key) const { return value(key).toString(); }
+    /// The same, but as it stands in the file where it is a list: commas belong to captions.
+    QString caption(const QString &key) const;
+    bool hasGroup(const QString &group) const;
+    void set(const QVector<iniText::Entry> &entries);
 
 private:
-    QSettings m_store;
+    QVariant value(const QString &key) const;
+
+    const QString m_file;
+    QSettings m_store; ///< only reads
+    QVector<iniText::Entry> m_unwritten;
     QString m_icoFolder;
     QString m_fontFolder;
     QString m_imageFolder;

@@ -7,5 +7,5 @@ void StepwiseZeroFont::step()
     m_tick = 0;
     m_font += glyph::block(m_size, m_style, glyph::codesIn(m_style.font));
     if (m_size++ == glyph::maxSize)
-        zeroFont::write(m_font);
+        zeroFont::write(m_folder, m_font);
 }

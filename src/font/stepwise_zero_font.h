@@ -7,12 +7,16 @@
 class StepwiseZeroFont
 {
 public:
+    /// The font goes to `folder`.
+    explicit StepwiseZeroFont(const QString &folder) : m_folder(folder) {}
+
     /// Called on every tick.
     void step();
 
 private:
     static constexpr int ticksPerSize = 500;
 
+    const QString m_folder;
     const bool m_isRunning = false;
     GlyphStyle m_style;
     int m_tick = 0;

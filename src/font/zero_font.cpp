@@ -1,41 +1,26 @@
 #include "font/zero_font.h"
 
-#include "common/program_folder.h"
 #include "common/replace_file.h"
 
 #include <QPainter>
+#include <QThreadPool>
 #include <QVector>
 #include <QtConcurrent>
 
-#include <numeric>
-
 namespace zeroFont {
 
-QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showProgress)
-{
-    QVector<int> sizes(glyph::maxSize - glyph::minSize + 1);
-    std::iota(sizes.begin(), sizes.end(), glyph::minSize);
-    const glyph::Codes drawn = glyph::codesIn(style.font);
-    // Each size on its own, on all cores; text may be painted in Qt's threads.
-    const std::function<QByteArray(int)> block = [&style, &drawn](int size) {
-        return glyph::block(size, style, drawn);
-    };
-    const QFuture<QByteArray> blocks = QtConcurrent::mapped(sizes, block);
-    QByteArray font;
-    showProgress(0);
-    for (int i = 0; i < sizes.size(); ++i) {
-        font += blocks.resultAt(i);
-        showProgress(i * 5 / 3);
-    }
-    return font;
-}
+namespace {
 
-void write(const QByteArray &font)
+/// The threads of one run, which no font has been used on yet. A font that has drawn at a fraction
+/// of a pixel draws large glyphs that fraction of a font unit aside ever after, and each thread has
+/// fonts of its own: what is drawn here does not depend on what was drawn before.
+class FreshThreads : public QThreadPool
 {
-    overwriteStart(programFolder() + "/0_ZOLT_ASC.HZK", font);
-}
+public:
+    FreshThreads() { setMaxThreadCount(globalInstance()->maxThreadCount()); }
+};
 
-QImage preview(const QString &text, const GlyphStyle &style)
+QImage draw(const QString &text, const GlyphStyle &style)
 {
     struct Row
     {
@@ -50,12 +35,39 @@ QImage preview(const QString &text, const GlyphStyle &style)
     QPainter painter(&picture);
     for (const Row &row : rows) {
         int x = 0;
-        for (int size = row.firstSize; size <= row.lastSize; x += size, ++size) {
-            QImage cell = glyph::render(size, text, style);
-            painter.drawImage(x, row.baseLine - 2 * size, cell);
-        }
+        for (int size = row.firstSize; size <= row.lastSize; x += size, ++size)
+            painter.drawImage(x, row.baseLine - 2 * size, glyph::render(size, text, style));
     }
     return picture;
+}
+
+} // namespace
+
+QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showProgress)
+{
+    const glyph::Codes drawn = glyph::codesIn(style.font);
+    FreshThreads threads;
+    QVector<QFuture<QByteArray>> blocks;
+    for (int size = glyph::minSize; size <= glyph::maxSize; ++size)
+        blocks.append(QtConcurrent::run(&threads, &glyph::block, size, style, drawn));
+    QByteArray font;
+    showProgress(0);
+    for (int i = 0; i < blocks.size(); ++i) {
+        font += blocks.at(i).result();
+        showProgress(i * 5 / 3);
+    }
+    return font;
+}
+
+void write(const QString &folder, const QByteArray &font)
+{
+    overwriteStart(folder + "/0_ZOLT_ASC.HZK", font);
+}
+
+QImage preview(const QString &text, const GlyphStyle &style)
+{
+    FreshThreads threads;
+    return QtConcurrent::run(&threads, &draw, text, style).result();
 }
 
 } // namespace zeroFont

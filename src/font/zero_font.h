@@ -11,9 +11,9 @@ namespace zeroFont {
 /// The whole file. `showProgress` gets percents, once for each size.
 QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showProgress);
 
-/// Writes `font` over the start of 0_ZOLT_ASC.HZK in the program's folder. What a longer file holds
+/// Writes `font` over the start of 0_ZOLT_ASC.HZK in `folder`. What a longer file holds
 /// behind it stays; a file that cannot be written is not told.
-void write(const QByteArray &font);
+void write(const QString &folder, const QByteArray &font);
 
 /// `text` in all sizes: 540 x 400 pixels in four rows, 24 bits a pixel.
 QImage preview(const QString &text, const GlyphStyle &style);

@@ -61,8 +61,9 @@ void ZeroFontPage::on_CreatZeroFont_clicked()
 {
     {
         const WaitCursor busy;
-        zeroFont::write(
-            zeroFont::make(style(), [this](int percent) { m_ui->progressBar->setValue(percent); }));
+        zeroFont::write(m_context.folder, zeroFont::make(style(), [this](int percent) {
+                            m_ui->progressBar->setValue(percent);
+                        }));
     }
     m_context.notices.warn(texts::libraryFinished);
 }

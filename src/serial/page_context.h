@@ -30,5 +30,6 @@ struct PageContext
     ToolSettings &settings;
     StepDispatch &dispatch;
     const QString &moduleFolder; ///< where the configuration files of the module stand
+    const QString &folder;       ///< where the tool keeps its own files
     const bool &isEnglish;       ///< the language of the window at this moment
 };

@@ -55,6 +55,7 @@ private slots:
     void configurations();
     void zeroFonts();
     void logs();
+    void settings();
 
 private:
     void chooseOverOldFile(const QString &button, const QString &path)
@@ -143,7 +144,7 @@ void TestFullDisk::configurations()
 
 void TestFullDisk::zeroFonts()
 {
-    const QString path = programFolder() + "/0_ZOLT_ASC.HZK";
+    const QString path = QCoreApplication::applicationDirPath() + "/0_ZOLT_ASC.HZK";
     QVERIFY(replaceFile(path, "old font"));
     {
         const FullDisk disk(1000000);
@@ -172,6 +173,21 @@ void TestFullDisk::logs()
     }
     QVERIFY(!QFile::exists(path));
     QCOMPARE(m_boxes->texts, QStringList{"The file could not be written !"});
+}
+
+void TestFullDisk::settings()
+{
+    const QString path = QCoreApplication::applicationDirPath() + "/SystemConfig.ini";
+    m_dialog->selectLanguage("English");
+    const QByteArray before = content(path);
+    QVERIFY(before.size() > 5000);
+    {
+        const FullDisk disk(5000);
+        m_dialog->selectLanguage("中文");
+        QCOMPARE(find<QPushButton>("resetK7")->text(), QString("复位K7"));
+        m_dialog.reset();
+    }
+    QCOMPARE(content(path), before);
 }
 
 QTEST_MAIN(TestFullDisk)

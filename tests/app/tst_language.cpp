@@ -1,6 +1,5 @@
 #include "app/dialog.h"
 #include "app/message_boxes.h"
-#include "common/program_folder.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -22,7 +21,7 @@ namespace {
 
 QString settingsFile()
 {
-    return programFolder() + "/SystemConfig.ini";
+    return QCoreApplication::applicationDirPath() + "/SystemConfig.ini";
 }
 
 /// What `widget` shows as its caption, or the text of its tab.
@@ -112,7 +111,7 @@ void TestLanguage::init()
 {
     QSettings(settingsFile(), QSettings::IniFormat).clear();
     QFile::remove(settingsFile());
-    QFile::remove(programFolder() + "/config.cfg");
+    QFile::remove(QCoreApplication::applicationDirPath() + "/config.cfg");
 }
 
 void TestLanguage::cleanup()
@@ -309,8 +308,7 @@ void TestLanguage::editsOfTheFileShowAtTheNextChoice()
     QFile file(settingsFile());
     QTRY_VERIFY(file.size() > 5000);
     QVERIFY(file.open(QIODevice::ReadWrite));
-    const QByteArray edited =
-        file.readAll().replace("resetK7=Reset K7", "resetK7=Reset the module");
+    const QByteArray edited = file.readAll().replace("resetK7=Reset K7", "resetK7=Reset K7, now");
     file.seek(0);
     QCOMPARE(file.write(edited), edited.size());
     file.close();
@@ -319,7 +317,15 @@ void TestLanguage::editsOfTheFileShowAtTheNextChoice()
     auto *combo = find<QComboBox>("systemLanguage");
     QTest::keyClick(combo, Qt::Key_Space);
     QTest::keyClick(combo->view(), Qt::Key_Enter);
-    QCOMPARE(caption("resetK7"), QString("Reset the module"));
+    QCOMPARE(caption("resetK7"), QString("Reset K7, now"));
+    // Without the file the window has its captions, and so has the next one.
+    QVERIFY(file.remove());
+    m_dialog->selectLanguage("中文");
+    QCOMPARE(caption("resetK7"), QString("复位K7"));
+    start();
+    QCOMPARE(caption("resetK7"), QString("复位K7"));
+    m_dialog->selectLanguage("English");
+    QCOMPARE(caption("resetK7"), QString("Reset K7"));
 }
 
 void TestLanguage::selectorIgnoresOtherTexts()
@@ -378,6 +384,7 @@ void TestLanguage::pagesBeginInTheirStates()
     QCOMPARE(find<QComboBox>("K7UISize")->count(), 7);
     QCOMPARE(find<QSpinBox>("baudRateSet")->value(), 115200);
     QCOMPARE(find<QComboBox>("scaleMultiple")->currentText(), QString("100%"));
+    QVERIFY(!find("tconSet")->isEnabled()); // K7UID1 has none
 }
 
 void TestLanguage::radioButtonsBeginAsTheModuleDoes_data()
@@ -469,7 +476,7 @@ void TestLanguage::initialTabIsRead()
 {
     QFETCH(const QByteArray, config);
     if (!config.isEmpty()) {
-        QFile file(programFolder() + "/config.cfg");
+        QFile file(QCoreApplication::applicationDirPath() + "/config.cfg");
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(config);
     }

@@ -1,6 +1,5 @@
 #include "app/dialog.h"
 #include "app/screenshots.h"
-#include "common/program_folder.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -77,7 +76,7 @@ void languages()
 
 void TestLayout::initTestCase()
 {
-    QFile::remove(programFolder() + "/SystemConfig.ini");
+    QFile::remove(QCoreApplication::applicationDirPath() + "/SystemConfig.ini");
     QApplication::setStyle("Fusion");
 }
 

@@ -128,8 +128,19 @@ void TestSettings::unreadableFilesAreFilesWithoutKeys()
 void TestSettings::programFolderIsTheUsersOwnWhereTheExecutablesCannotBeWritten()
 {
     QStandardPaths::setTestModeEnabled(true);
-    QCOMPARE(programFolder(m_folder->path()), m_folder->path());
-    const QString own = programFolder(m_folder->filePath("missing"));
+    write("[Language]\nLanguage=French\n");
+    QCOMPARE(findProgramFolder(m_folder->path()).own, m_folder->path());
+    // What stands beside the executable is read all the same, and is where the user's file begins.
+    const ProgramFolder folder{m_folder->path(), m_folder->filePath("own")};
+    QVERIFY(QDir().mkpath(folder.own));
+    QCOMPARE(folder.fileToRead("SystemConfig.ini"), file());
+    const QString ownFile = folder.own + "/SystemConfig.ini";
+    ToolSettings(ownFile, file()).rememberIcoPath("/tmp");
+    QCOMPARE(folder.fileToRead("SystemConfig.ini"), ownFile);
+    QCOMPARE(ToolSettings(ownFile, file()).text("Language/Language"), QString("French"));
+    QVERIFY(!stored("DefaultPath/icoDefaultPath").isValid());
+
+    const QString own = findProgramFolder(m_folder->filePath("missing")).own;
     QCOMPARE(own, QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
     QVERIFY(QFileInfo(own).isWritable());
 }

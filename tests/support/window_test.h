@@ -3,7 +3,6 @@
 #include "app/choose_in_dialog.h"
 #include "app/dialog.h"
 #include "app/message_boxes.h"
-#include "common/program_folder.h"
 #include "simulator/simulator.h"
 #include "support/event_loop.h"
 
@@ -22,7 +21,7 @@ protected:
     /// has no terminals for it.
     bool openWindow()
     {
-        QFile::remove(programFolder() + "/SystemConfig.ini");
+        QFile::remove(QCoreApplication::applicationDirPath() + "/SystemConfig.ini");
         m_folder = std::make_unique<QTemporaryDir>();
         m_boxes = std::make_unique<MessageBoxes>();
         m_simulator = std::make_unique<k7::Simulator>();

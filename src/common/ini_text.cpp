@@ -1,0 +1,108 @@
+#include "common/ini_text.h"
+
+namespace iniText {
+
+namespace {
+
+using Lines = QList<QByteArray>;
+
+/// Where a key stands, or where a new one of its group would.
+struct Place
+{
+    int line = -1; ///< of the key, -1 when there is none
+    int end = -1;  ///< behind the last line of its group, -1 when there is no such group
+};
+
+QByteArray groupOf(const QString &key)
+{
+    return '[' + key.section('/', 0, 0).toLatin1() + ']';
+}
+
+QByteArray nameOf(const QString &key)
+{
+    return key.section('/', 1).toLatin1();
+}
+
+/// Of several lines with one key the last counts.
+Place find(const Lines &lines, const QString &key)
+{
+    const QByteArray group = groupOf(key);
+    const QByteArray name = nameOf(key);
+    Place place;
+    bool isInGroup = false;
+    for (int i = 0; i < lines.size(); ++i) {
+        const QByteArray line = lines.at(i).trimmed();
+        if (line.startsWith('['))
+            isInGroup = line == group;
+        if (!isInGroup || line.isEmpty())
+            continue;
+        place.end = i + 1;
+        const int equals = line.indexOf('=');
+        if (equals >= 0 && line.left(equals).trimmed() == name)
+            place.line = i;
+    }
+    return place;
+}
+
+/// `value` as it stands in a file; in quotes where blanks, commas and the like are its own.
+QByteArray written(QString value)
+{
+    // A single "@" begins what QSettings keeps of other types.
+    if (value.startsWith('@'))
+        value.prepend('@');
+    QByteArray text;
+    bool isPlain = !value.isEmpty() && value.trimmed() == value;
+    for (const char byte : value.toUtf8()) {
+        const auto code = static_cast<uchar>(byte);
+        isPlain = isPlain && code >= ' ' && !QByteArray("\"\\,;=").contains(byte);
+        if (code < ' ')
+            text += "\\x" + QByteArray::number(code, 16) + "\"\""; // the quotes end the digits
+        else if (byte == '"' || byte == '\\')
+            text += QByteArray("\\") + byte;
+        else
+            text += byte;
+    }
+    return isPlain ? text : '"' + text + '"';
+}
+
+QByteArray lineOf(const Entry &entry)
+{
+    QByteArray values;
+    for (const QString &value : entry.values)
+        values += (values.isEmpty() ? "" : ", ") + written(value);
+    return nameOf(entry.key) + '=' + values;
+}
+
+} // namespace
+
+QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries)
+{
+    Lines lines = text.isEmpty() ? Lines() : text.split('\n');
+    for (const Entry &entry : entries) {
+        const Place place = find(lines, entry.key);
+        if (place.line >= 0) {
+            lines[place.line] = lineOf(entry);
+        } else if (place.end >= 0) {
+            lines.insert(place.end, lineOf(entry));
+        } else {
+            while (!lines.isEmpty() && lines.last().trimmed().isEmpty())
+                lines.removeLast();
+            if (!lines.isEmpty())
+                lines.append(QByteArray());
+            lines += {groupOf(entry.key), lineOf(entry), QByteArray()};
+        }
+    }
+    return lines.join('\n');
+}
+
+QString rawValue(const QByteArray &text, const QString &key)
+{
+    const Lines lines = text.split('\n');
+    const Place place = find(lines, key);
+    if (place.line < 0)
+        return {};
+    const QByteArray line = lines.at(place.line);
+    return QString::fromUtf8(line.mid(line.indexOf('=') + 1).trimmed());
+}
+
+} // namespace iniText

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// The text of an INI file, UTF-8, as `QSettings` reads it. Changing the text itself leaves all
+/// else in it as the user wrote it, and lets the file be written whole or not at all; `QSettings`
+/// commits a file whose end did not fit on the disk.
+namespace iniText {
+
+/// A key such as "Group/key" in plain ASCII. Two values or more are a list.
+struct Entry
+{
+    QString key;
+    QStringList values;
+};
+
+/// `text` with `entries` in place of what it had under their keys; new keys go to the end of their
+/// groups.
+QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries);
+
+/// What stands behind the "=" of `key`, to the end of its line and as it is written. Empty when
+/// there is no such key.
+QString rawValue(const QByteArray &text, const QString &key);
+
+} // namespace iniText
