@@ -14,7 +14,8 @@ public:
     /// An existing file, as openFiles() asks for several. Empty when the user cancels.
     virtual QString openFile(const QString &start, const QString &patterns) = 0;
 
-    /// A file to write, which may exist, starting at `start`. Empty when the user cancels.
+    /// A file to write, which may exist, starting at `start`. A name without a suffix gets that of
+    /// the first of `patterns`. Empty when the user cancels.
     virtual QString saveFile(const QString &start, const QString &patterns) = 0;
 
     /// An existing folder, starting at `start`. Empty when the user cancels.

@@ -9,18 +9,39 @@
 
 namespace picture {
 
+namespace {
+
+/// Reads a picture from memory, by its content.
+struct Reader
+{
+    explicit Reader(const QByteArray &content)
+    {
+        buffer.setData(content);
+        buffer.open(QIODevice::ReadOnly);
+        images.setDevice(&buffer);
+        images.setDecideFormatFromContent(true);
+    }
+    bool isTooLarge() const
+    {
+        const QSize size = images.size();
+        return size.isValid() && qint64{size.width()} * size.height() > maxPixels;
+    }
+
+    QBuffer buffer;
+    QImageReader images;
+};
+
+} // namespace
+
 QImage decode(const QByteArray &content)
 {
-    QBuffer buffer;
-    buffer.setData(content);
-    if (!buffer.open(QIODevice::ReadOnly))
-        return {};
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
-    const QSize size = reader.size();
-    if (size.isValid() && static_cast<qint64>(size.width()) * size.height() > maxPixels)
-        return {};
-    return reader.read();
+    Reader reader(content);
+    return reader.isTooLarge() ? QImage() : reader.images.read();
+}
+
+const Text &refusal(const QByteArray &content)
+{
+    return Reader(content).isTooLarge() ? texts::pictureTooLarge : texts::fileIsNotPicture;
 }
 
 QByteArray toRgb565(const QImage &image)

@@ -27,6 +27,13 @@ inline constexpr Text notSelectFile{"Not select file !", "未选中文件 !"};
 /// %1 is the number of the row.
 inline constexpr Text rowIsNotNumber{"The %1 row position is not number !", "%1 行不是数字 !"};
 inline constexpr Text fileIsNotPicture{"The file is not picture !", "该文件不是图片！"};
+inline constexpr Text pictureTooLarge{
+    "The picture is too large !\nPictures of up to 100 million pixels can be used.",
+    "图片过大！\n最多支持1亿像素的图片。"};
+inline constexpr Text jpegTooLarge{
+    "The picture does not fit into 64 KiB, not even at the lowest JPEG quality !\nMake it smaller "
+    "or simpler, then open it again.",
+    "即使使用最低的JPEG质量，该图片仍超过64 KiB！\n请缩小或简化图片后重新打开。"};
 inline constexpr Text screenSizeError{"The srceen size error !", "尺寸错误！"};
 inline constexpr Text unselectedOsFile{"Unselected OS file !", "未选中OS文件！"};
 inline constexpr Text osFileTooSmall{"The OS file size is less than 0X1000 !",
@@ -64,6 +71,12 @@ inline constexpr Text noSuchPort{
     "没有这个串口。请插好适配器，或在串口设置中选择其他串口。"};
 inline constexpr Text portInUse{"Another program is using the port. Close that program first.",
                                 "串口正被其他程序占用。请先关闭该程序。"};
+inline constexpr Text portIsOurOwn{
+    "The tool itself has the port open, for its other link. Choose different ports for UART2 and "
+    "ED2 in the serial settings. A port that a stopped ED2 download left open is closed when the "
+    "next ED2 download ends, or with the tool.",
+    "本工具的另一条链路已打开该串口。请在串口设置中为UART2和ED2选择不同的串口。"
+    "停止ED2下载后仍打开的串口，会在下一次ED2下载结束时或退出本工具时关闭。"};
 #ifdef Q_OS_LINUX
 inline constexpr Text noPermission{
     "You have no permission to use the port. Add your user to the group dialout, then log in "

@@ -47,7 +47,8 @@ Units pictureUnits(int number, const QString &name, const QByteArray &content)
 {
     const QImage image = picture::decode(content);
     const QByteArray pixels = picture::toRgb565(image);
-    return {{item(pictureKind, number, name, pixels.constData(), pixels.size())}, image.isNull()};
+    return {{item(pictureKind, number, name, pixels.constData(), pixels.size())},
+            image.isNull() ? &picture::refusal(content) : nullptr};
 }
 
 } // namespace

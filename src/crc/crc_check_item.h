@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/texts.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QVector>
@@ -13,7 +15,7 @@ struct CrcCheckItem
     QString name;
     QString calculatedCrc;           ///< the tool's, as crcText() gives it
     QString readCrc = "0000";        ///< the module's, once it has answered
-    QString compareResult = "false"; ///< "true" once the two were equal, whatever comes afterwards
+    QString compareResult = "false"; ///< "true" when the last answer was equal
 
     bool isIntact() const { return readCrc == calculatedCrc; }
 };
@@ -30,7 +32,8 @@ QString crcText(quint16 number);
 struct Units
 {
     QVector<CrcCheckItem> items;
-    bool isBrokenPicture = false; ///< one that cannot be decoded; it is listed as an empty one
+    /// Of a picture that cannot be decoded, which is listed as an empty one: what to tell of it.
+    const Text *refusal = nullptr;
 };
 
 /// Whether files with the suffix of `name` are checked at all: bin, ICO and bmp, in any case.

@@ -14,6 +14,7 @@ void CrcComparison::setItems(const QVector<CrcCheckItem> &items)
         finish();
     m_items = items;
     m_index = 0;
+    m_window.showProgress(0);
 }
 
 void CrcComparison::start()
@@ -76,16 +77,13 @@ void CrcComparison::compare()
     }
     CrcCheckItem &item = m_items[m_index];
     item.readCrc = crcCheck::crcText(m_builder.vpAt(crcAddress + 1));
-    if (item.isIntact())
-        item.compareResult = "true";
+    item.compareResult = item.isIntact() ? "true" : "false";
     ++m_index;
     m_window.showProgress(static_cast<int>(qint64{m_index} * 100 / m_items.size()));
     enter(Stage::Ask);
     if (m_index < m_items.size())
         return;
-    // The port stays open. That is wanted.
-    m_session.commandType = commandType::idle;
-    m_window.showItems();
+    finish();
     m_notices.warn(texts::checkFinished);
 }
 

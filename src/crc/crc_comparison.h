@@ -15,7 +15,7 @@ public:
     {
         std::function<int()> rate;             ///< of the link, in bit/s, positive
         std::function<void(int)> showProgress; ///< in percent
-        std::function<void()> showItems;       ///< all have been compared
+        std::function<void()> showItems;       ///< a comparison has ended, however
     };
 
     CrcComparison(DownloadSession &session, SerialLink &link, Notices &notices,
@@ -32,6 +32,7 @@ public:
 
 protected:
     void rewind() override { m_stage = Stage::Ask; }
+    void ended() override { m_window.showItems(); }
 
 private:
     static constexpr quint16 crcAddress = 0x00E0;

@@ -74,16 +74,17 @@ void CrcPage::list(const QStringList &paths)
     for (const QString &path : paths) {
         if (!crcCheck::isChecked(path))
             continue;
-        if (QFileInfo(path).size() > maxFileBytes)
-            m_context.notices.warn(texts::fileTooLarge);
-        const crcCheck::Units units = [&path] {
+        ReadFault fault = ReadFault::None;
+        const crcCheck::Units units = [&path, &fault] {
             const WaitCursor busy;
-            const auto content = readFile(path);
+            const auto content = readFile(path, &fault);
             return content ? crcCheck::unitsOf(QFileInfo(path).fileName(), *content)
                            : crcCheck::Units();
         }();
-        if (units.isBrokenPicture)
-            m_context.notices.warn(texts::fileIsNotPicture);
+        if (fault == ReadFault::TooLarge)
+            m_context.notices.warn(texts::fileTooLarge);
+        if (units.refusal)
+            m_context.notices.warn(*units.refusal);
         items += units.items;
     }
     m_comparison->setItems(items);
@@ -101,6 +102,7 @@ void CrcPage::showItems()
              {item.name, item.calculatedCrc, item.readCrc, item.compareResult}) {
             auto *cell = new QTableWidgetItem(text);
             cell->setBackground(item.isIntact() ? Qt::white : Qt::red);
+            cell->setForeground(Qt::black); // a dark desktop's own text would be white on white
             m_ui->crcTableWidget->setItem(row, column++, cell);
         }
     }

@@ -3,12 +3,8 @@
 #include "common/big_endian.h"
 
 BlockDownload::BlockDownload(DownloadSession &session, SerialLink &link, Notices &notices,
-                             const Kind &kind, std::function<int()> endTick,
-                             std::function<void(int)> showProgress)
-    : Step(session, link, notices)
-    , m_kind(kind)
-    , m_endTick(std::move(endTick))
-    , m_showProgress(std::move(showProgress))
+                             const Kind &kind, std::function<void(int)> showProgress)
+    : Step(session, link, notices), m_kind(kind), m_showProgress(std::move(showProgress))
 {
 }
 
@@ -25,9 +21,10 @@ BlockDownload::Kind BlockDownload::pictures()
     return {commandType::pictureDownload, QByteArray::fromHex("5AA5 06 80 F5 5A 01 00"), 300};
 }
 
-void BlockDownload::start(const QVector<Block> &blocks)
+void BlockDownload::start(const QVector<Block> &blocks, int endTick)
 {
     m_blocks = blocks;
+    m_endTick = endTick;
     m_index = 0;
     m_session.replyReceived = false;
     m_showProgress(0);
@@ -49,7 +46,7 @@ void BlockDownload::step()
             m_link.write(m_blocks.at(m_index).data);
         else
             fail();
-    } else if (m_session.tick == m_endTick()) {
+    } else if (m_session.tick == m_endTick) {
         nextBlock();
     }
 }

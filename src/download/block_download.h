@@ -30,15 +30,16 @@ public:
 
     static constexpr int fontEndTick = 800;
 
-    /// `endTick` says at which tick of a block the next one begins; `showProgress` gets percents.
+    /// `showProgress` gets percents.
     BlockDownload(DownloadSession &session, SerialLink &link, Notices &notices, const Kind &kind,
-                  std::function<int()> endTick, std::function<void(int)> showProgress);
+                  std::function<void(int)> showProgress);
 
     static Kind fonts();
     static Kind pictures();
 
-    /// Starts with the first of `blocks`; there must be one.
-    void start(const QVector<Block> &blocks);
+    /// Starts with the first of `blocks`; there must be one. The next block begins at tick
+    /// `endTick` of a block, behind the one that tests the acknowledgement.
+    void start(const QVector<Block> &blocks, int endTick);
     void step() override;
     /// The next start begins with the first block anyway; this forgets where the running one is.
     void rewind() override { m_index = 0; }
@@ -47,8 +48,8 @@ private:
     void nextBlock();
 
     const Kind m_kind;
-    const std::function<int()> m_endTick;
     const std::function<void(int)> m_showProgress;
     QVector<Block> m_blocks;
+    int m_endTick = 0;
     int m_index = 0;
 };

@@ -8,6 +8,7 @@
 #include "common/radio_group.h"
 #include "common/read_file.h"
 #include "common/tool_settings.h"
+#include "common/wait_cursor.h"
 #include "download/bmp_download.h"
 #include "download/ico_download.h"
 #include "download/jpeg_file.h"
@@ -21,7 +22,6 @@
 
 #include <QButtonGroup>
 #include <QFile>
-#include <QFileInfo>
 
 /// Which widgets show the reply to a read from `startAddress` on.
 struct DevicePage::Reply
@@ -216,9 +216,13 @@ void DevicePage::on_openBmpFile_clicked()
         return;
     m_context.settings.rememberImagePath(path);
     m_ui->bmpFilePathLabel->setText(path);
-    m_bmpPixels = picture::toRgb565(picture::decode(readFile(path).value_or(QByteArray())));
-    if (m_bmpPixels.isEmpty())
-        m_context.notices.warn(texts::fileIsNotPicture);
+    ReadFault fault = ReadFault::None;
+    const QByteArray content = readFile(path, &fault).value_or(QByteArray());
+    m_bmpPixels = picture::toRgb565(picture::decode(content));
+    if (fault == ReadFault::TooLarge)
+        m_context.notices.warn(texts::fileTooLarge);
+    else if (m_bmpPixels.isEmpty())
+        m_context.notices.warn(picture::refusal(content));
 }
 
 void DevicePage::on_downloadBmpFile_clicked()
@@ -239,11 +243,18 @@ void DevicePage::on_openJpgFile_clicked()
         return;
     m_context.settings.rememberImagePath(path);
     m_ui->bmpFilePathLabel->setText(path);
-    const auto content = readFile(path);
-    m_jpeg = content ? jpegWithin(*content, JpgDownload::maxBytes) : QByteArray();
-    const bool isEmptyFile = content && content->isEmpty();
-    if (m_jpeg.isEmpty() && !isEmptyFile)
-        m_context.notices.warn(texts::fileIsNotPicture);
+    ReadFault fault = ReadFault::None;
+    const Jpeg jpeg = [&path, &fault]() -> Jpeg {
+        const WaitCursor busy;
+        const auto content = readFile(path, &fault);
+        return content ? jpegWithin(*content, JpgDownload::maxBytes)
+                       : Jpeg{{}, &texts::fileIsNotPicture};
+    }();
+    m_jpeg = jpeg.bytes;
+    if (fault == ReadFault::TooLarge)
+        m_context.notices.warn(texts::fileTooLarge);
+    else if (jpeg.refusal)
+        m_context.notices.warn(*jpeg.refusal);
 }
 
 void DevicePage::on_downloadJpgFile_clicked()
@@ -288,9 +299,10 @@ void DevicePage::on_openIcpFile_clicked()
         return;
     m_ui->bmpFilePathLabel->setText(path);
     m_context.settings.rememberIcoPath(path);
-    if (QFileInfo(path).size() > maxFileBytes)
+    ReadFault fault = ReadFault::None;
+    const auto content = readFile(path, &fault);
+    if (fault == ReadFault::TooLarge)
         m_context.notices.warn(texts::fileTooLarge);
-    const auto content = readFile(path);
     if (!content)
         return;
     m_icoFileData = *content;

@@ -40,7 +40,6 @@ FontDownloadPage::FontDownloadPage(const PageContext &context, QWidget *parent)
 
     auto download = std::make_unique<BlockDownload>(
         context.session, context.ed2Port, context.notices, BlockDownload::fonts(),
-        [] { return BlockDownload::fontEndTick; },
         [this](int percent) { m_ui->fontProgressBar->setValue(percent); });
     m_download = download.get();
     context.dispatch.add(commandType::fontDownload, std::move(download));
@@ -90,11 +89,14 @@ void FontDownloadPage::on_downloadFont_clicked()
     QVector<BlockDownload::Block> blocks;
     for (int row = 0; row < positions->size(); ++row) {
         // A file that cannot be read is skipped.
-        if (const auto content = readFile(m_list.paths.at(row)))
+        ReadFault fault = ReadFault::None;
+        if (const auto content = readFile(m_list.paths.at(row), &fault))
             appendBlocks(blocks, positions->at(row), *content);
+        else if (fault == ReadFault::TooLarge)
+            m_context.notices.warn(texts::fileTooLarge);
     }
     if (!blocks.isEmpty())
-        m_download->start(blocks);
+        m_download->start(blocks, BlockDownload::fontEndTick);
 }
 
 void FontDownloadPage::on_stopFont_clicked()

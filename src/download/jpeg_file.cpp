@@ -18,17 +18,22 @@ QByteArray compressed(const QImage &image, int quality)
 
 } // namespace
 
-QByteArray jpegWithin(const QByteArray &content, int maxBytes)
+Jpeg jpegWithin(const QByteArray &content, int maxBytes)
 {
     if (content.size() <= maxBytes)
-        return content;
+        return {content};
     const QImage image = picture::decode(content);
     if (image.isNull())
-        return {};
-    for (double quality = 90; quality >= 1; quality *= 0.9) {
+        return {{}, &picture::refusal(content)};
+    // The lowest quality first: without hope nobody waits for all the others.
+    constexpr int lowestQuality = 1;
+    const QByteArray smallest = compressed(image, lowestQuality);
+    if (smallest.isEmpty() || smallest.size() > maxBytes)
+        return {{}, &texts::jpegTooLarge};
+    for (double quality = 90; quality > lowestQuality; quality *= 0.9) {
         const QByteArray jpeg = compressed(image, static_cast<int>(quality));
-        if (jpeg.size() <= maxBytes)
-            return jpeg;
+        if (!jpeg.isEmpty() && jpeg.size() <= maxBytes)
+            return {jpeg};
     }
-    return {};
+    return {smallest};
 }

@@ -49,7 +49,6 @@ PictureDownloadPage::PictureDownloadPage(const PageContext &context, QWidget *pa
 
     auto download = std::make_unique<BlockDownload>(
         context.session, context.ed2Port, context.notices, BlockDownload::pictures(),
-        [this] { return m_endTick; },
         [this](int percent) { m_ui->pictureProgressBar->setValue(percent); });
     m_download = download.get();
     context.dispatch.add(commandType::pictureDownload, std::move(download));
@@ -115,8 +114,10 @@ void PictureDownloadPage::on_downloadPicture_clicked()
     QVector<BlockDownload::Block> blocks;
     for (int i = 0; i < qMin(m_data.size(), positions->size()); ++i)
         blocks.append({static_cast<quint8>(positions->at(i)), m_data.at(i)});
-    if (!blocks.isEmpty())
-        m_download->start(blocks);
+    if (blocks.isEmpty())
+        m_context.notices.warn(texts::notSelectFile);
+    else
+        m_download->start(blocks, m_endTick);
 }
 
 void PictureDownloadPage::on_stopPicture_clicked()
@@ -134,15 +135,20 @@ void PictureDownloadPage::on_serialSet_2_clicked()
 
 void PictureDownloadPage::convert(const QString &path)
 {
-    if (const auto content = readFile(path))
+    ReadFault fault = ReadFault::None;
+    if (const auto content = readFile(path, &fault)) {
         m_data.append(pixels(*content));
+    } else if (fault == ReadFault::TooLarge) {
+        m_data.append(QByteArray());
+        m_context.notices.warn(texts::fileTooLarge);
+    }
 }
 
 QByteArray PictureDownloadPage::pixels(const QByteArray &content)
 {
     const QImage image = picture::decode(content);
     if (image.isNull()) {
-        m_context.notices.warn(texts::fileIsNotPicture);
+        m_context.notices.warn(picture::refusal(content));
         return {};
     }
     const auto size = screenSize(m_ui->srceenSize->currentText());

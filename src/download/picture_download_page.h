@@ -40,11 +40,12 @@ private slots:
 private:
     void add(const QStringList &paths);
     void showList();
-    /// Converts the picture and appends it to the data. A file that cannot be opened appends
-    /// nothing, so data and list no longer line up; that is wanted.
+    /// Converts the picture and appends it to the data; what is no picture appends an empty one. A
+    /// file that cannot be opened appends nothing, so data and list no longer line up; that is
+    /// wanted.
     void convert(const QString &path);
-    /// The pixels of `content` at the selected screen size; none when it is no picture or the size
-    /// is none, which the user is told.
+    /// The pixels of `content` at the selected screen size; none when it is no picture, or too
+    /// large a one, or the size is none, which the user is told.
     QByteArray pixels(const QByteArray &content);
 
     const PageContext m_context;

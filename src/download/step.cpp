@@ -9,6 +9,8 @@ const Text &cause(OpenFailure failure)
         return texts::noSuchPort;
     case OpenFailure::InUse:
         return texts::portInUse;
+    case OpenFailure::OurOwn:
+        return texts::portIsOurOwn;
     case OpenFailure::NoPermission:
         return texts::noPermission;
     case OpenFailure::NotASerialPort:
@@ -24,6 +26,7 @@ bool Step::ensureOpen()
     if (m_link.open() || m_link.isOpen())
         return true;
     m_session.commandType = commandType::idle;
+    ended();
     m_notices.warn(texts::serialOpeningFailed, &cause(m_link.openFailure()));
     return false;
 }
@@ -33,6 +36,7 @@ void Step::finish()
     m_session.commandType = commandType::idle;
     rewind();
     m_link.close();
+    ended();
 }
 
 void Step::complete()

@@ -38,6 +38,8 @@ protected:
     void complete();
     /// Puts the step's own state back to where a new exchange begins; called when one ends.
     virtual void rewind() {}
+    /// The exchange has ended, well or not; its outcome is final, and no box is open yet.
+    virtual void ended() {}
 
     DownloadSession &m_session;
     SerialLink &m_link;

@@ -7,6 +7,15 @@
 #include <poll.h>
 #endif
 
+namespace {
+
+QFileInfo deviceOf(const QString &name)
+{
+    return QFileInfo(name.startsWith('/') ? name : "/dev/" + name);
+}
+
+} // namespace
+
 QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
 {
     m_port.setDataBits(QSerialPort::Data8);
@@ -21,6 +30,10 @@ QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
 
 void QtSerialLink::setBaudRate(int rate)
 {
+    if (m_port.setBaudRate(rate))
+        return;
+    // Going on at the old rate would hide that. A closed port takes any rate, and fails to open.
+    m_port.close();
     m_port.setBaudRate(rate);
 }
 
@@ -121,11 +134,22 @@ OpenFailure QtSerialLink::causeOf(QSerialPort::SerialPortError error) const
         return OpenFailure::NoSuchPort;
     case QSerialPort::PermissionError: {
         // Qt reports a port that is locked by another program as forbidden, too.
-        const QFileInfo device(m_name.startsWith('/') ? m_name : "/dev/" + m_name);
+        const QFileInfo device = deviceOf(m_name);
         const bool forbidden = device.exists() && !(device.isReadable() && device.isWritable());
-        return forbidden ? OpenFailure::NoPermission : OpenFailure::InUse;
+        if (forbidden)
+            return OpenFailure::NoPermission;
+        return isHeldByPeer() ? OpenFailure::OurOwn : OpenFailure::InUse;
     }
     default:
         return OpenFailure::NotASerialPort;
     }
+}
+
+bool QtSerialLink::isHeldByPeer() const
+{
+    if (!m_peer || !m_peer->isOpen())
+        return false;
+    // The peer may have got another name meanwhile: what counts is the device that it opened.
+    const QString peerName = m_peer->m_port.portName();
+    return peerName == m_port.portName() || deviceOf(peerName) == deviceOf(m_name);
 }

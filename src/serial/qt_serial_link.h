@@ -12,6 +12,9 @@ class QtSerialLink final : public SerialLink
 public:
     explicit QtSerialLink(QObject *parent = nullptr);
 
+    /// The tool's other link, which may be what keeps this one from its port.
+    void setPeer(const QtSerialLink &peer) { m_peer = &peer; }
+
     void setPortName(const QString &name) override { m_name = name; }
     void setBaudRate(int rate) override;
     bool open() override;
@@ -28,8 +31,10 @@ private:
     bool hasInput() const;
     bool isHungUp() const;
     OpenFailure causeOf(QSerialPort::SerialPortError error) const;
+    bool isHeldByPeer() const;
 
     QSerialPort m_port{this};
     QString m_name;
+    const QtSerialLink *m_peer = nullptr;
     OpenFailure m_openFailure = OpenFailure::NoSuchPort;
 };

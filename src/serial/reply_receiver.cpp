@@ -79,6 +79,7 @@ void ReplyReceiver::dispatch(int start)
     if (start + commandOffset >= m_buffer.size())
         return;
     const int body = start + bodyOffset;
+    const bool hasAddress = body + 1 < m_buffer.size(); // without it a reply tells nothing
     switch (byteAt(m_buffer, start + commandOffset)) {
     case command::writeRegister:
     case command::writeVp:
@@ -87,12 +88,16 @@ void ReplyReceiver::dispatch(int start)
             m_replyReceived = true;
         break;
     case command::readRegister:
-        storeRegisters(body);
-        emit registersRead();
+        if (hasAddress) {
+            storeRegisters(body);
+            emit registersRead();
+        }
         break;
     case command::readVp:
-        storeVp(body);
-        emit vpRead(wordAt(m_buffer, body));
+        if (hasAddress) {
+            storeVp(body);
+            emit vpRead(wordAt(m_buffer, body));
+        }
         break;
     default:
         break;

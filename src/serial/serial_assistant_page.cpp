@@ -124,8 +124,6 @@ void SerialAssistantPage::apply(Layout layout)
     const bool isCurve = layout == Layout::Curve;
     m_ui->channelLabel->setText(isCurve ? "Curve channels" : "Data to send");
     m_ui->channelLabel0->setText(isCurve ? "Channel0" : "Data");
-    // Only a curve asks whether the first channel takes part.
-    m_channels.first().box->setEnabled(isCurve);
     for (const Channel &channel : m_channels.mid(1)) {
         channel.box->setVisible(isCurve);
         channel.edit->setVisible(isCurve);
@@ -138,15 +136,12 @@ void SerialAssistantPage::apply(Layout layout)
                           : m_channels.at(1).edit->geometry().top());
     m_ui->displayText->setGeometry(values);
 
+    // The others leave the range as it is: it is also what the values below are shown of.
     const bool isRegister = layout == Layout::Register;
-    const bool hasRange = isRegister || layout == Layout::Vp;
-    if (hasRange) {
-        m_ui->addrLabel->setText(isRegister ? "Reg 0x" : "VP Addr 0x");
-        m_ui->lenLabel->setText(isRegister ? "Reg Len 0x" : "VP Len 0x");
-    }
-    for (QWidget *widget :
-         QVector<QWidget *>{m_ui->addrLabel, m_ui->regVpAddr, m_ui->lenLabel, m_ui->regVpLen})
-        widget->setVisible(hasRange);
+    if (!isRegister && layout != Layout::Vp)
+        return;
+    m_ui->addrLabel->setText(isRegister ? "Reg 0x" : "VP Addr 0x");
+    m_ui->lenLabel->setText(isRegister ? "Reg Len 0x" : "VP Len 0x");
     m_ui->regPage->setVisible(isRegister);
     m_ui->regPageLabel->setVisible(isRegister);
 }

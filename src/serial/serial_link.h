@@ -5,7 +5,13 @@
 #include <QString>
 
 /// Why a link could not be opened.
-enum class OpenFailure { NoSuchPort, InUse, NoPermission, NotASerialPort };
+enum class OpenFailure {
+    NoSuchPort,
+    InUse,
+    OurOwn, ///< in use, by the tool's other link
+    NoPermission,
+    NotASerialPort
+};
 
 /// One serial port as the engine sees it: 8 data bits, no parity, 1 stop bit, no flow control.
 class SerialLink : public QObject
@@ -17,7 +23,8 @@ public:
 
     /// Takes effect at the next open(); an open link stays with its device.
     virtual void setPortName(const QString &name) = 0;
-    /// In bit/s; acts on an open link at once.
+    /// In bit/s; acts on an open link at once. A rate that the device refuses closes the link, and
+    /// keeps it from being opened.
     virtual void setBaudRate(int rate) = 0;
 
     /// Opens the port for reading and writing. False when it cannot be opened, and also when it is

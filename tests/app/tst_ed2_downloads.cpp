@@ -1,3 +1,4 @@
+#include "common/read_file.h"
 #include "support/random_bytes.h"
 #include "support/window_test.h"
 
@@ -7,6 +8,13 @@
 #include <QProgressBar>
 #include <QTableWidget>
 #include <QtTest>
+
+#include <asm/termbits.h>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace {
 
@@ -30,6 +38,32 @@ QByteArray expectedPixels(const QImage &image, int width, int height)
     return bytes;
 }
 
+/// The simulated module has the device open once, the tool a second time.
+bool isOpenInTheTool(const QString &device)
+{
+    int opens = 0;
+    for (const QFileInfo &file : QDir("/proc/self/fd").entryInfoList(QDir::Files | QDir::System))
+        opens += file.symLinkTarget() == device ? 1 : 0;
+    return opens == 2;
+}
+
+/// The rate of a terminal in bit/s, also one that has no name of its own.
+int rateOf(const QString &device)
+{
+    const int terminal = ::open(qPrintable(device), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    termios2 settings{};
+    ::ioctl(terminal, TCGETS2, &settings);
+    ::close(terminal);
+    return static_cast<int>(settings.c_ospeed);
+}
+
+void confirmSettings()
+{
+    for (auto *button : QApplication::activeModalWidget()->findChildren<QPushButton *>())
+        if (button->text() == "确定")
+            button->click();
+}
+
 } // namespace
 
 /// Files and pictures on their way to the simulated module, through the real window.
@@ -50,6 +84,11 @@ private slots:
     void pulledAdapterEndsTheDownload_data();
     void pulledAdapterEndsTheDownload();
     void stoppedDownloadStartsAgain();
+    void stopButtonsCloseTheUartPortAndLeaveTheFlag_data();
+    void stopButtonsCloseTheUartPortAndLeaveTheFlag();
+    void ed2RunsAtItsRateOnceThatIsConfirmed();
+    void sizeChosenDuringADownloadIsForTheNext();
+    void dataAndRowsPartWhereAFileCannotBeOpened();
     void picturesArriveAtTheScreenSize();
     void picturesThatAreNoneTakeTheirPlace();
     void screenSizesThatAreNoneAreRefused();
@@ -238,6 +277,97 @@ void TestEd2Downloads::stoppedDownloadStartsAgain()
     QVERIFY(block(8, content.size()) == content);
 }
 
+void TestEd2Downloads::stopButtonsCloseTheUartPortAndLeaveTheFlag_data()
+{
+    QTest::addColumn<QString>("page");
+    QTest::newRow("fonts") << "Font";
+    QTest::newRow("pictures") << "Picture";
+}
+
+void TestEd2Downloads::stopButtonsCloseTheUartPortAndLeaveTheFlag()
+{
+    QFETCH(const QString, page);
+    const QString uart = m_simulator->uartPath();
+    const QString ed2 = m_simulator->ed2Path();
+    choose("choose" + page + "File",
+           {page == "Font" ? write("1_a.bin", "a") : picture("1.png", Qt::red)});
+    click("download" + page);
+    runEventLoop(60); // the handshake has been acknowledged
+    click("stop" + page);
+    QVERIFY(isOpenInTheTool(ed2));
+    click("readVersion");
+    runEventLoop(20);
+    QVERIFY(isOpenInTheTool(uart));
+    click("stop" + page);
+    QVERIFY(!isOpenInTheTool(uart));
+    QVERIFY(isOpenInTheTool(ed2));
+    // The acknowledgement counts for the next write, and for that one only.
+    k7::Behaviour silent;
+    silent.silent = true;
+    m_simulator->setBehaviour(silent);
+    click("resetK7");
+    runEventLoop(150);
+    QCOMPARE(m_boxes->texts, QStringList());
+    click("resetK7");
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{failure});
+}
+
+void TestEd2Downloads::ed2RunsAtItsRateOnceThatIsConfirmed()
+{
+    choose("chooseFontFile", {write("1_a.bin", "a")});
+    for (const int rate : {115200, 6250000}) {
+        click("downloadFont");
+        runEventLoop(20);
+        click("stopFont");
+        QCOMPARE(rateOf(m_simulator->ed2Path()), rate);
+        QTimer::singleShot(0, this, [] { confirmSettings(); });
+        click("serialSet_2");
+    }
+}
+
+void TestEd2Downloads::sizeChosenDuringADownloadIsForTheNext()
+{
+    auto *sizes = find<QComboBox>("srceenSize");
+    sizes->setCurrentText("480X272");
+    choose("choosePictureFile", {picture("1.png", Qt::red)});
+    click("downloadPicture");
+    runEventLoop(800);
+    sizes->setCurrentText("320X240"); // its pictures take 745 ms
+    choose("choosePictureFile", {picture("2.png", Qt::blue)});
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{complete});
+}
+
+void TestEd2Downloads::dataAndRowsPartWhereAFileCannotBeOpened()
+{
+    // A socket is a file that exists and cannot be opened, by nobody.
+    const QString closed = m_folder->filePath("1_closed.png");
+    const QByteArray path = QFile::encodeName(closed);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    qstrncpy(address.sun_path, path, sizeof address.sun_path);
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    QCOMPARE(::bind(socket, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    choose("choosePictureFile", {closed});
+    ::close(socket);
+    click("downloadPicture");
+    QCOMPARE(m_boxes->texts, QStringList{"Not select file !"});
+    m_boxes->texts.clear();
+    // What is too large keeps its place, as what is no picture does.
+    QFile large(m_folder->filePath("3_large.png"));
+    QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(maxFileBytes + 1));
+    choose("choosePictureFile", {picture("2.png", Qt::blue), large.fileName()});
+    QCOMPARE(m_boxes->texts, QStringList{"The file is too large !"});
+    m_boxes->texts.clear();
+    click("downloadPicture");
+    waitForBox();
+    QCOMPARE(m_boxes->texts, QStringList{complete});
+    QCOMPARE(module().pictures().keys(), (QList<int>{1, 2}));
+    QCOMPARE(module().pictures().value(1).left(2), QByteArray::fromHex("001F"));
+    QCOMPARE(module().pictures().value(2), QByteArray());
+}
+
 void TestEd2Downloads::picturesArriveAtTheScreenSize()
 {
     QImage image(64, 48, QImage::Format_ARGB32);
@@ -312,7 +442,8 @@ void TestEd2Downloads::choicesAreRemembered()
     choose("chooseFontFile", {});
     QCOMPARE(find<QTableWidget>("fontPath")->rowCount(), 2);
     m_dialog.reset();
-    const QSettings settings(programFolder() + "/SystemConfig.ini", QSettings::IniFormat);
+    const QSettings settings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
+                             QSettings::IniFormat);
     QCOMPARE(settings.value("DefaultPath/fontDefaultPath").toStringList(), paths);
 }
 

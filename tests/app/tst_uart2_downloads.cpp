@@ -40,7 +40,9 @@ private:
     QString shownPath() { return find<QLabel>("bmpFilePathLabel")->text(); }
     QVariant setting(const QString &key)
     {
-        return QSettings(programFolder() + "/SystemConfig.ini", QSettings::IniFormat).value(key);
+        return QSettings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
+                         QSettings::IniFormat)
+            .value(key);
     }
     void chooseRate(int rate)
     {
@@ -112,6 +114,7 @@ void TestUart2Downloads::iconsGoToTheBlockOfTheirName()
     QCOMPARE(shownPath(), path);
     QCOMPARE(setting("DefaultPath/icoDefaultPath").toString(), path);
     QCOMPARE(find<QSpinBox>("icoPositionID")->value(), 3);
+    QVERIFY(find<QSpinBox>("icoPositionID")->isReadOnly());
     find<QSpinBox>("icoPositionID")->setValue(9); // shows the number, and no more
     click("downloadIcoFile");
     runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 60000);

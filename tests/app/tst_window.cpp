@@ -245,6 +245,8 @@ void TestWindow::commandKindsArrangeThePage()
     QCOMPARE(label("channelLabel0"), QString("Data"));
     QVERIFY(isShown("regPage") && isShown("regPageLabel"));
     QVERIFY(!isShown("ChannelEdit1") && !isShown("channel7"));
+    choose("Curve of the cache area");
+    QVERIFY(isShown("regPage") && isShown("regPageLabel") && isShown("regVpAddr"));
     choose("Read the VP");
     QCOMPARE(label("addrLabel"), QString("VP Addr 0x"));
     QCOMPARE(label("lenLabel"), QString("VP Len 0x"));
@@ -253,6 +255,8 @@ void TestWindow::commandKindsArrangeThePage()
     QCOMPARE(label("channelLabel0"), QString("Channel0"));
     QVERIFY(isShown("ChannelEdit1") && isShown("channel7") && isShown("channelLabel7"));
     choose("Since writing instruction");
+    QVERIFY(isShown("addrLabel") && isShown("regVpLen") &&
+            find<QCheckBox>("channel0")->isEnabled());
     QCOMPARE(label("channelLabel0"), QString("Data"));
     QVERIFY(!isShown("ChannelEdit7"));
 }

@@ -23,6 +23,8 @@ private slots:
     void writingToAClosedLinkDoesNothing();
     void bytesFromBeforeTheOpenAreForgotten();
     void pollReadsWithoutTheEventLoop();
+    void refusedRateIsNotPassedOver();
+    void portOfTheOtherLinkIsNamed();
     void vanishedDeviceIsReportedOnceAndClosed();
     void readThatFindsNothingIsNoLoss_data();
     void readThatFindsNothingIsNoLoss();
@@ -121,6 +123,31 @@ void TestQtSerialLink::pollReadsWithoutTheEventLoop()
     m_terminal->write("reply");
     m_link->poll();
     QCOMPARE(received, QByteArray("reply"));
+}
+
+void TestQtSerialLink::refusedRateIsNotPassedOver()
+{
+    QVERIFY(m_link->open());
+    m_link->setBaudRate(-1);
+    QVERIFY(!m_link->isOpen());
+    QVERIFY(!m_link->open());
+    m_link->setBaudRate(9600);
+    QVERIFY(m_link->open());
+}
+
+void TestQtSerialLink::portOfTheOtherLinkIsNamed()
+{
+    QtSerialLink other;
+    other.setPortName(m_terminal->path());
+    QVERIFY(m_link->open());
+    m_link->setPortName("elsewhere"); // the open device stays
+    QVERIFY(!other.open());
+    QCOMPARE(other.openFailure(), OpenFailure::InUse);
+    other.setPeer(*m_link);
+    QVERIFY(!other.open());
+    QCOMPARE(other.openFailure(), OpenFailure::OurOwn);
+    m_link->close();
+    QVERIFY(other.open());
 }
 
 void TestQtSerialLink::vanishedDeviceIsReportedOnceAndClosed()
