@@ -1,6 +1,7 @@
 #include "app/widget_file_dialogs.h"
 
 #include <QFileDialog>
+#include <QFileInfo>
 
 QString WidgetFileDialogs::openFile(const QString &start, const QString &patterns)
 {
@@ -9,7 +10,12 @@ QString WidgetFileDialogs::openFile(const QString &start, const QString &pattern
 
 QString WidgetFileDialogs::saveFile(const QString &start, const QString &patterns)
 {
-    return QFileDialog::getSaveFileName(m_parent, QString(), start, dialogFilter(patterns));
+    const QFileInfo place(start);
+    QFileDialog dialog(m_parent, QString(), place.isFile() ? place.path() : start,
+                       dialogFilter(patterns));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(patterns.section(';', 0, 0).section('.', -1));
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 QString WidgetFileDialogs::openFolder(const QString &caption, const QString &start)

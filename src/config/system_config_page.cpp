@@ -21,6 +21,7 @@ SystemConfigPage::SystemConfigPage(const PageContext &context, QWidget *parent)
     m_ui->setupUi(this);
     bindSettings();
     fillSizes();
+    enableForLayout();
 }
 
 SystemConfigPage::~SystemConfigPage() = default;
@@ -125,14 +126,19 @@ void SystemConfigPage::showTiming(const QByteArray &timing)
 
 void SystemConfigPage::on_K7UIModel_currentTextChanged()
 {
+    enableForLayout();
+    fillSizes();
+    showEdge();
+}
+
+void SystemConfigPage::enableForLayout()
+{
     const bool isK7Uid1 = m_ui->K7UIModel->currentText() == "K7UID1";
     for (QWidget *widget :
          std::initializer_list<QWidget *>{m_ui->rtcCalibration, m_ui->buzzerSound,
                                           m_ui->enableWatchDog, m_ui->enableSynchronizationUpdate})
         widget->setEnabled(isK7Uid1);
     m_ui->tconSet->setEnabled(!isK7Uid1);
-    fillSizes();
-    showEdge();
 }
 
 void SystemConfigPage::fillSizes()
@@ -171,7 +177,12 @@ void SystemConfigPage::showVerdict(const encryptionTexts::Verdict &verdict)
 {
     QPalette palette = m_ui->textExplainLabel->palette();
     palette.setColor(QPalette::WindowText, verdict.isGood ? Qt::black : Qt::red);
+    // Neither is read on a dark desktop: the text gets a ground of its own there.
+    const bool isDark = this->palette().color(QPalette::Window).lightness() < 128;
+    if (isDark)
+        palette.setColor(QPalette::Window, Qt::white);
     m_ui->textExplainLabel->setPalette(palette);
+    m_ui->textExplainLabel->setAutoFillBackground(isDark && !verdict.text.isEmpty());
     m_ui->textExplainLabel->setText(verdict.text);
 }
 

@@ -50,6 +50,8 @@ private:
     /// Chooses the first size of the layout that has `timing`, if one has.
     void showTiming(const QByteArray &timing);
     void fillSizes();
+    /// Not every layout has every setting.
+    void enableForLayout();
     /// Chooses the PCLK edge of the chosen size.
     void showEdge();
     void showVerdict(const encryptionTexts::Verdict &verdict);

@@ -82,7 +82,6 @@ void ImageConversionPage::listFolder(const QString &path)
     m_list.load(paths);
     showList();
     m_ui->pictureTable->setCurrentCell(0, 0);
-    drawPreview();
 }
 
 void ImageConversionPage::on_deletePicture_clicked()
@@ -92,7 +91,6 @@ void ImageConversionPage::on_deletePicture_clicked()
         return;
     m_list.remove(row);
     showList();
-    drawPreview();
 }
 
 void ImageConversionPage::on_deleteAllPicture_clicked()
@@ -139,9 +137,15 @@ void ImageConversionPage::showList()
         m_ui->pictureTable->setItem(row, 0, new QTableWidgetItem(pictures.at(row).number));
         m_ui->pictureTable->setItem(row, 1, new QTableWidgetItem(pictures.at(row).name));
     }
+    drawPreview(); // the current row may hold another picture now
 }
 
 void ImageConversionPage::on_pictureTable_clicked()
+{
+    drawPreview();
+}
+
+void ImageConversionPage::on_pictureTable_currentCellChanged()
 {
     drawPreview();
 }
@@ -171,11 +175,12 @@ void ImageConversionPage::on_pictureSrceen_currentTextChanged(const QString &siz
 
 void ImageConversionPage::drawPreview()
 {
-    if (!m_list.has(m_ui->pictureTable->currentRow()))
+    const QImage picture =
+        m_list.has(m_ui->pictureTable->currentRow()) ? currentPicture() : QImage();
+    if (picture.isNull()) {
+        m_ui->pictureLabel->clear();
         return;
-    const QImage &picture = currentPicture();
-    if (picture.isNull())
-        return;
+    }
     const int percent = m_ui->scaleMultiple->currentText().section('%', 0, 0).toInt();
     const QPoint offset(m_ui->pictureHorizontal->value(), m_ui->pictureVertical->value());
     const PicturePreview preview =

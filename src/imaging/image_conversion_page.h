@@ -38,6 +38,7 @@ private slots:
     void on_upPicture_clicked();
     void on_downPicture_clicked();
     void on_pictureTable_clicked();
+    void on_pictureTable_currentCellChanged();
     void on_scaleMultiple_currentTextChanged();
     void on_pictureHorizontal_valueChanged();
     void on_pictureVertical_valueChanged();
@@ -58,6 +59,7 @@ private:
     void onHeaderClicked(int section);
     void move(int rows);
     void showList();
+    /// Of the current row; nothing when there is none, or no picture in its file.
     void drawPreview();
     /// The picture of the current row; decoded when it was not the current one before, or its file
     /// has changed.

@@ -114,7 +114,8 @@ void TestIcoPages::foldersAreLoaded()
     choose("creatIcoFile", {created});
     QVERIFY(iconsOf(created).isEmpty());
     m_dialog.reset();
-    const QSettings settings(programFolder() + "/SystemConfig.ini", QSettings::IniFormat);
+    const QSettings settings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
+                             QSettings::IniFormat);
     QCOMPARE(settings.value("DefaultPath/icoDefaultPath").toString(), empty.path());
 }
 
@@ -134,7 +135,7 @@ void TestIcoPages::librariesAreCreated()
            {picture("5.png", Qt::red), picture("5_b.png", Qt::green), picture("x.png", Qt::blue)});
     choose("creatIcoFile", {});
     QCOMPARE(m_boxes->texts, QStringList());
-    choose("creatIcoFile", {m_folder->filePath("new.ICO")});
+    choose("creatIcoFile", {m_folder->filePath("new")}); // the suffix comes by itself
     QCOMPARE(m_boxes->texts, QStringList{finished});
     QCOMPARE(colorsOf(m_folder->filePath("new.ICO")),
              (QMap<int, QByteArray>{{0, "001f"}, {5, "f800"}}));

@@ -51,6 +51,10 @@ private:
         QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
                           QPoint(header->sectionViewportPosition(section) + 5, 5));
     }
+    bool isNothingShown()
+    {
+        return find<QLabel>("pictureLabel")->pixmap(Qt::ReturnByValue).isNull();
+    }
     QRgb shown(int x, int y)
     {
         return find<QLabel>("pictureLabel")->pixmap(Qt::ReturnByValue).toImage().pixel(x, y);
@@ -80,7 +84,8 @@ void TestPictureTools::foldersAreListed()
     choose("addPicture", {m_folder->filePath("folder")});
     QCOMPARE(column(1).size(), 0);
     m_dialog.reset();
-    const QSettings settings(programFolder() + "/SystemConfig.ini", QSettings::IniFormat);
+    const QSettings settings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
+                             QSettings::IniFormat);
     QCOMPARE(settings.value("DefaultPath/imageDefaultPath").toString(),
              m_folder->filePath("folder"));
 }
@@ -132,9 +137,20 @@ void TestPictureTools::currentPictureIsShown()
     QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 0);
     clickRow(1);
     QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
-    // What cannot be decoded leaves the preview as it was.
-    clickRow(2);
+    // What cannot be decoded shows nothing.
+    auto *table = find<QTableWidget>("pictureTable");
+    table->setCurrentCell(2, 0);
+    QVERIFY(isNothingShown());
+    // The preview follows the current row, whatever moves it or the pictures under it.
+    table->setCurrentCell(1, 0);
     QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
+    click("deletePicture");
+    QVERIFY(isNothingShown());
+    click("upPicture");
+    table->setCurrentCell(1, 0);
+    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+    clickHeader(1);
+    QVERIFY(isNothingShown());
     clickRow(0);
     find<QComboBox>("scaleMultiple")->setCurrentText("400%");
     QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 1200 - label.height());
@@ -214,7 +230,7 @@ void TestPictureTools::picturesAreConverted()
 
 void TestPictureTools::zeroFontIsWritten()
 {
-    const QString path = programFolder() + "/0_ZOLT_ASC.HZK";
+    const QString path = QCoreApplication::applicationDirPath() + "/0_ZOLT_ASC.HZK";
     QFile::remove(path);
     QVector<int> progress;
     connect(find<QProgressBar>("progressBar"), &QProgressBar::valueChanged, this,
