@@ -16,13 +16,85 @@ class TestComforts : public WindowTest
     Q_OBJECT
 
 private slots:
-    void init() { QVERIFY(openWindow()); }
-    void cleanup() { closeWindow(); }
-    void droppedFilesTakeTheWayOfTheButton_data();
-    void droppedFilesTakeTheWayOfTheButton();
-    void logIsCopiedAndSaved();
-    void logThatCannotBeSavedIsReported();
-    void qtSpeaksTheLanguageOfTheWindow();
+    void droppedFilesTakeTheWayOfTheButton_data()
+    {
+        QTest::addColumn<QString>("list");
+        QTest::addColumn<int>("nameColumn");
+        QTest::addColumn<QStringList>("ofFiles");  // of what the dropped files show
+        QTest::addColumn<QStringList>("ofFolder"); // dropped afterwards; some lists take none
+        const QStringList none;
+        QTest::newRow("fonts") << "fontPath" << 0 << QStringList{"1", "2"} << QStringList{"1", "2"};
+        QTest::newRow("pictures") << "picturePath" << 0 << QStringList{"3"} << QStringList{"3"};
+        QTest::newRow("icons") << "ICOFileTable" << 0 << QStringList{"3"} << QStringList{"3"};
+        QTest::newRow("conversion")
+            << "pictureTable" << 0 << none << QStringList{"1", "2", "3", "4"};
+        QTest::newRow("CRC") << "crcTableWidget" << 0 << QStringList{"1_a.bin_0", "2_b.ICO_0"}
+                             << QStringList{"1_a.bin_0", "2_b.ICO_0"};
+    }
+
+    void droppedFilesTakeTheWayOfTheButton()
+    {
+        QFETCH(const QString, list);
+        QFETCH(const int, nameColumn);
+        const QStringList files{write("1_a.bin", QByteArray(5000, 'x')),
+                                write("2_b.ICO", QByteArray(5000, 'x')),
+                                m_folder->filePath("3_c.png"), write("4_d.txt", "x")};
+        QVERIFY(QImage(4, 4, QImage::Format_RGB32).save(files.at(2)));
+        QVERIFY(drop(list, files));
+        QTEST(column(list, nameColumn), "ofFiles");
+        QVERIFY(!drop(list, {}));
+        QVERIFY(drop(list, {m_folder->path()}));
+        QTEST(column(list, nameColumn), "ofFolder");
+    }
+
+    void logIsCopiedAndSaved()
+    {
+        readVersion();
+        chooseInLogMenu("Copy all");
+        QCOMPARE(QApplication::clipboard()->text(), QString("5aa50483000f01\n5aa50683000f014521"));
+        const QString path = m_folder->filePath("log.txt");
+        chooseInNextDialog({path});
+        chooseInLogMenu("Save log…");
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString saved = file.readAll();
+        const QString time = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}";
+        QVERIFY2(QRegularExpression("^" + time + " > 5aa50483000f01\n" + time +
+                                    " < 5aa50683000f014521\n$")
+                     .match(saved)
+                     .hasMatch(),
+                 qPrintable(saved));
+        // What was cleared is not saved.
+        click("clearReceiveLog");
+        m_dialog->selectLanguage("中文");
+        const QString cleared = m_folder->filePath("cleared.txt");
+        chooseInNextDialog({cleared});
+        chooseInLogMenu("保存日志…");
+        QVERIFY(QFile::exists(cleared));
+        QCOMPARE(QFileInfo(cleared).size(), qint64{0});
+    }
+
+    void logThatCannotBeSavedIsReported()
+    {
+        chooseInNextDialog({m_folder->filePath("no/such/folder/log.txt")});
+        chooseInLogMenu("Save log…");
+        QCOMPARE(m_boxes->texts, QStringList{"The file could not be written !"});
+    }
+
+    void qtSpeaksTheLanguageOfTheWindow()
+    {
+        const auto cancel = [] {
+            return QMessageBox(QMessageBox::NoIcon, "", "", QMessageBox::Cancel)
+                .button(QMessageBox::Cancel)
+                ->text()
+                .remove('&');
+        };
+        QCOMPARE(cancel(), QString("Cancel"));
+        m_dialog->selectLanguage("中文");
+        QCOMPARE(cancel(), QString("取消"));
+        m_dialog->selectLanguage("English");
+        QCOMPARE(cancel(), QString("Cancel"));
+    }
 
 private:
     /// Whether the list takes what is dropped.
@@ -75,85 +147,6 @@ private:
         runEventLoop(120);
     }
 };
-
-void TestComforts::droppedFilesTakeTheWayOfTheButton_data()
-{
-    QTest::addColumn<QString>("list");
-    QTest::addColumn<int>("nameColumn");
-    QTest::addColumn<QStringList>("ofFiles");  // of what the dropped files show
-    QTest::addColumn<QStringList>("ofFolder"); // dropped afterwards; some lists take none
-    const QStringList none;
-    QTest::newRow("fonts") << "fontPath" << 0 << QStringList{"1", "2"} << QStringList{"1", "2"};
-    QTest::newRow("pictures") << "picturePath" << 0 << QStringList{"3"} << QStringList{"3"};
-    QTest::newRow("icons") << "ICOFileTable" << 0 << QStringList{"3"} << QStringList{"3"};
-    QTest::newRow("conversion") << "pictureTable" << 0 << none << QStringList{"1", "2", "3", "4"};
-    QTest::newRow("CRC") << "crcTableWidget" << 0 << QStringList{"1_a.bin_0", "2_b.ICO_0"}
-                         << QStringList{"1_a.bin_0", "2_b.ICO_0"};
-}
-
-void TestComforts::droppedFilesTakeTheWayOfTheButton()
-{
-    QFETCH(const QString, list);
-    QFETCH(const int, nameColumn);
-    const QStringList files{write("1_a.bin", QByteArray(5000, 'x')),
-                            write("2_b.ICO", QByteArray(5000, 'x')), m_folder->filePath("3_c.png"),
-                            write("4_d.txt", "x")};
-    QVERIFY(QImage(4, 4, QImage::Format_RGB32).save(files.at(2)));
-    QVERIFY(drop(list, files));
-    QTEST(column(list, nameColumn), "ofFiles");
-    QVERIFY(!drop(list, {}));
-    QVERIFY(drop(list, {m_folder->path()}));
-    QTEST(column(list, nameColumn), "ofFolder");
-}
-
-void TestComforts::logIsCopiedAndSaved()
-{
-    readVersion();
-    chooseInLogMenu("Copy all");
-    QCOMPARE(QApplication::clipboard()->text(), QString("5aa50483000f01\n5aa50683000f014521"));
-    const QString path = m_folder->filePath("log.txt");
-    chooseInNextDialog({path});
-    chooseInLogMenu("Save log…");
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QString saved = file.readAll();
-    const QString time = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}";
-    QVERIFY2(
-        QRegularExpression("^" + time + " > 5aa50483000f01\n" + time + " < 5aa50683000f014521\n$")
-            .match(saved)
-            .hasMatch(),
-        qPrintable(saved));
-    // What was cleared is not saved.
-    click("clearReceiveLog");
-    m_dialog->selectLanguage("中文");
-    const QString cleared = m_folder->filePath("cleared.txt");
-    chooseInNextDialog({cleared});
-    chooseInLogMenu("保存日志…");
-    QVERIFY(QFile::exists(cleared));
-    QCOMPARE(QFileInfo(cleared).size(), qint64{0});
-}
-
-void TestComforts::logThatCannotBeSavedIsReported()
-{
-    chooseInNextDialog({m_folder->filePath("no/such/folder/log.txt")});
-    chooseInLogMenu("Save log…");
-    QCOMPARE(m_boxes->texts, QStringList{"The file could not be written !"});
-}
-
-void TestComforts::qtSpeaksTheLanguageOfTheWindow()
-{
-    const auto cancel = [] {
-        return QMessageBox(QMessageBox::NoIcon, "", "", QMessageBox::Cancel)
-            .button(QMessageBox::Cancel)
-            ->text()
-            .remove('&');
-    };
-    QCOMPARE(cancel(), QString("Cancel"));
-    m_dialog->selectLanguage("中文");
-    QCOMPARE(cancel(), QString("取消"));
-    m_dialog->selectLanguage("English");
-    QCOMPARE(cancel(), QString("Cancel"));
-}
 
 QTEST_MAIN(TestComforts)
 #include "tst_comforts.moc"

@@ -16,24 +16,6 @@
 #include <QTextBrowser>
 #include <QtTest>
 
-/// What a person would complain about at a glance, in both languages.
-class TestLayout : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void nothingIsClippedOverlapsOrLeavesItsParent_data();
-    void nothingIsClippedOverlapsOrLeavesItsParent();
-    void allTabsAreSeenAtOnce_data();
-    void allTabsAreSeenAtOnce();
-    void screenshotsShowEveryPageInBothLanguages();
-
-private:
-    void check(QWidget *page, QStringList &complaints) const;
-    std::unique_ptr<Dialog> dialogIn(const QString &language) const;
-};
-
 namespace {
 
 QList<QWidget *> controlsOf(const QWidget *parent)
@@ -74,115 +56,119 @@ void languages()
 
 } // namespace
 
-void TestLayout::initTestCase()
+/// What a person would complain about at a glance, in both languages.
+class TestLayout : public QObject
 {
-    QFile::remove(QCoreApplication::applicationDirPath() + "/SystemConfig.ini");
-    QApplication::setStyle("Fusion");
-}
+    Q_OBJECT
 
-std::unique_ptr<Dialog> TestLayout::dialogIn(const QString &language) const
-{
-    auto dialog = std::make_unique<Dialog>();
-    dialog->selectLanguage(language);
-    dialog->show();
-    return dialog;
-}
-
-void TestLayout::check(QWidget *page, QStringList &complaints) const
-{
-    const QList<QWidget *> controls = controlsOf(page);
-    for (int i = 0; i < controls.size(); ++i) {
-        QWidget *control = controls.at(i);
-        const QString name = page->objectName() + "/" + control->objectName();
-        if (!page->rect().contains(control->geometry()))
-            complaints.append(name + " leaves its parent");
-        if (captionWidth(control) > control->width())
-            complaints.append(QString("%1 needs %2 pixels and has %3")
-                                  .arg(name)
-                                  .arg(captionWidth(control))
-                                  .arg(control->width()));
-        if (const auto *table = qobject_cast<QTableWidget *>(control))
-            for (int c = 0; c < table->columnCount(); ++c)
-                if (table->horizontalHeaderItem(c) &&
-                    table->horizontalHeader()->fontMetrics().horizontalAdvance(
-                        table->horizontalHeaderItem(c)->text()) > table->columnWidth(c))
-                    complaints.append(QString("%1 clips the header of column %2").arg(name).arg(c));
-        if (auto *browser = qobject_cast<QTextBrowser *>(control))
-            if (browser->verticalScrollBar()->maximum() > 0)
-                complaints.append(name + " scrolls");
-        for (int j = i + 1; j < controls.size(); ++j)
-            if (control->geometry().intersects(controls.at(j)->geometry()))
-                complaints.append(name + " overlaps " + controls.at(j)->objectName());
-        if (qobject_cast<QGroupBox *>(control))
-            check(control, complaints);
+private slots:
+    void initTestCase()
+    {
+        QFile::remove(QCoreApplication::applicationDirPath() + "/SystemConfig.ini");
+        QApplication::setStyle("Fusion");
     }
-}
 
-void TestLayout::nothingIsClippedOverlapsOrLeavesItsParent_data()
-{
-    languages();
-}
+    void nothingIsClippedOverlapsOrLeavesItsParent_data() { languages(); }
 
-void TestLayout::nothingIsClippedOverlapsOrLeavesItsParent()
-{
-    QFETCH(const QString, language);
-    const auto dialog = dialogIn(language);
-    QStringList complaints;
-    int pages = 0;
-    for (auto *tabs : dialog->findChildren<QTabWidget *>()) {
-        for (int i = 0; i < tabs->count(); ++i) {
-            tabs->setCurrentIndex(i);
-            if (tabs->widget(i)->findChild<QTabWidget *>())
-                continue;
-            ++pages;
-            check(tabs->widget(i), complaints);
-            // The serial assistant has a layout for each command kind.
-            if (auto *kinds = tabs->widget(i)->findChild<QComboBox *>("serialCmd"))
-                for (int kind = 1; kind < kinds->count(); ++kind) {
-                    kinds->setCurrentIndex(kind);
-                    check(tabs->widget(i), complaints);
-                }
+    void nothingIsClippedOverlapsOrLeavesItsParent()
+    {
+        QFETCH(const QString, language);
+        const auto dialog = dialogIn(language);
+        QStringList complaints;
+        int pages = 0;
+        for (auto *tabs : dialog->findChildren<QTabWidget *>()) {
+            for (int i = 0; i < tabs->count(); ++i) {
+                tabs->setCurrentIndex(i);
+                if (tabs->widget(i)->findChild<QTabWidget *>())
+                    continue;
+                ++pages;
+                check(tabs->widget(i), complaints);
+                // The serial assistant has a layout for each command kind.
+                if (auto *kinds = tabs->widget(i)->findChild<QComboBox *>("serialCmd"))
+                    for (int kind = 1; kind < kinds->count(); ++kind) {
+                        kinds->setCurrentIndex(kind);
+                        check(tabs->widget(i), complaints);
+                    }
+            }
+        }
+        QCOMPARE(pages, 10);
+        QCOMPARE(complaints.join('\n'), QString());
+    }
+
+    void allTabsAreSeenAtOnce_data() { languages(); }
+
+    void allTabsAreSeenAtOnce()
+    {
+        QFETCH(const QString, language);
+        const auto dialog = dialogIn(language);
+        auto *outer = dialog->findChild<QTabWidget *>("tabWidget");
+        for (const auto *tabs : dialog->findChildren<QTabWidget *>()) {
+            // Only the current page has its size.
+            for (int i = 0; i < outer->count(); ++i)
+                if (outer->widget(i)->isAncestorOf(tabs))
+                    outer->setCurrentIndex(i);
+            const QTabBar *bar = tabs->tabBar();
+            QVERIFY2(bar->tabRect(bar->count() - 1).right() < tabs->width(),
+                     qPrintable(tabs->objectName()));
+            QVERIFY2(tabs->parentWidget()->width() >= tabs->geometry().right(),
+                     qPrintable(tabs->objectName()));
         }
     }
-    QCOMPARE(pages, 10);
-    QCOMPARE(complaints.join('\n'), QString());
-}
 
-void TestLayout::allTabsAreSeenAtOnce_data()
-{
-    languages();
-}
-
-void TestLayout::allTabsAreSeenAtOnce()
-{
-    QFETCH(const QString, language);
-    const auto dialog = dialogIn(language);
-    auto *outer = dialog->findChild<QTabWidget *>("tabWidget");
-    for (const auto *tabs : dialog->findChildren<QTabWidget *>()) {
-        // Only the current page has its size.
-        for (int i = 0; i < outer->count(); ++i)
-            if (outer->widget(i)->isAncestorOf(tabs))
-                outer->setCurrentIndex(i);
-        const QTabBar *bar = tabs->tabBar();
-        QVERIFY2(bar->tabRect(bar->count() - 1).right() < tabs->width(),
-                 qPrintable(tabs->objectName()));
-        QVERIFY2(tabs->parentWidget()->width() >= tabs->geometry().right(),
-                 qPrintable(tabs->objectName()));
+    void screenshotsShowEveryPageInBothLanguages()
+    {
+        const auto dialog = dialogIn("中文");
+        const QTemporaryDir folder;
+        QVERIFY(saveScreenshots(*dialog, folder.filePath("new")));
+        const QDir pictures(folder.filePath("new"));
+        QCOMPARE(pictures.entryList({"*-en.png"}, QDir::Files).size(), 10);
+        QCOMPARE(pictures.entryList({"*-zh.png"}, QDir::Files).size(), 10);
+        QVERIFY(QImage(pictures.filePath("tab_9-en.png")) !=
+                QImage(pictures.filePath("tab_9-zh.png")));
+        QCOMPARE(dialog->language(), QString("中文"));
+        QVERIFY(!saveScreenshots(*dialog, QDir("/proc/no/such/folder")));
     }
-}
 
-void TestLayout::screenshotsShowEveryPageInBothLanguages()
-{
-    const auto dialog = dialogIn("中文");
-    const QTemporaryDir folder;
-    QVERIFY(saveScreenshots(*dialog, folder.filePath("new")));
-    const QDir pictures(folder.filePath("new"));
-    QCOMPARE(pictures.entryList({"*-en.png"}, QDir::Files).size(), 10);
-    QCOMPARE(pictures.entryList({"*-zh.png"}, QDir::Files).size(), 10);
-    QVERIFY(QImage(pictures.filePath("tab_9-en.png")) != QImage(pictures.filePath("tab_9-zh.png")));
-    QCOMPARE(dialog->language(), QString("中文"));
-    QVERIFY(!saveScreenshots(*dialog, QDir("/proc/no/such/folder")));
-}
+private:
+    void check(QWidget *page, QStringList &complaints) const
+    {
+        const QList<QWidget *> controls = controlsOf(page);
+        for (int i = 0; i < controls.size(); ++i) {
+            QWidget *control = controls.at(i);
+            const QString name = page->objectName() + "/" + control->objectName();
+            if (!page->rect().contains(control->geometry()))
+                complaints.append(name + " leaves its parent");
+            if (captionWidth(control) > control->width())
+                complaints.append(QString("%1 needs %2 pixels and has %3")
+                                      .arg(name)
+                                      .arg(captionWidth(control))
+                                      .arg(control->width()));
+            if (const auto *table = qobject_cast<QTableWidget *>(control))
+                for (int c = 0; c < table->columnCount(); ++c)
+                    if (table->horizontalHeaderItem(c) &&
+                        table->horizontalHeader()->fontMetrics().horizontalAdvance(
+                            table->horizontalHeaderItem(c)->text()) > table->columnWidth(c))
+                        complaints.append(
+                            QString("%1 clips the header of column %2").arg(name).arg(c));
+            if (auto *browser = qobject_cast<QTextBrowser *>(control))
+                if (browser->verticalScrollBar()->maximum() > 0)
+                    complaints.append(name + " scrolls");
+            for (int j = i + 1; j < controls.size(); ++j)
+                if (control->geometry().intersects(controls.at(j)->geometry()))
+                    complaints.append(name + " overlaps " + controls.at(j)->objectName());
+            if (qobject_cast<QGroupBox *>(control))
+                check(control, complaints);
+        }
+    }
+
+    std::unique_ptr<Dialog> dialogIn(const QString &language) const
+    {
+        auto dialog = std::make_unique<Dialog>();
+        dialog->selectLanguage(language);
+        dialog->show();
+        return dialog;
+    }
+};
 
 QTEST_MAIN(TestLayout)
 #include "tst_layout.moc"

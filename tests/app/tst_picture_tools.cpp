@@ -19,16 +19,227 @@ class TestPictureTools : public WindowTest
     Q_OBJECT
 
 private slots:
-    void init() { QVERIFY(openWindow()); }
-    void cleanup() { closeWindow(); }
-    void foldersAreListed();
-    void rowsAreMovedDeletedAndSorted();
-    void currentPictureIsShown();
-    void slidersMoveThePicture();
-    void changedPicturesAreShownAnew();
-    void picturesAreConverted();
-    void zeroFontIsWritten();
-    void zeroFontFollowsItsSettings();
+    void foldersAreListed()
+    {
+        openTab(5);
+        picture("10.png", Qt::red);
+        picture("3b.png", Qt::red);
+        write("a.txt", "listed all the same");
+        QVERIFY(QDir(m_folder->path()).mkdir("folder"));
+        QVERIFY(QFile::link(m_folder->filePath("10.png"), m_folder->filePath("link.png")));
+        choose("addPicture", {m_folder->path()});
+        QCOMPARE(column(1), QStringList({"10.png", "3b.png", "a.txt"}));
+        QCOMPARE(column(0), QStringList({"10", "3", "4"}));
+        QCOMPARE(currentRow(), 0);
+        choose("addPicture", {});
+        QCOMPARE(column(1).size(), 3);
+        choose("addPicture", {m_folder->filePath("folder")});
+        QCOMPARE(column(1).size(), 0);
+        m_dialog.reset();
+        const QSettings settings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
+                                 QSettings::IniFormat);
+        QCOMPARE(settings.value("DefaultPath/imageDefaultPath").toString(),
+                 m_folder->filePath("folder"));
+    }
+
+    void rowsAreMovedDeletedAndSorted()
+    {
+        openTab(5);
+        for (const char *name : {"1_b.png", "2_a.png", "3_c.png"})
+            picture(name, Qt::red);
+        choose("addPicture", {m_folder->path()});
+        click("upPicture");
+        QCOMPARE(currentRow(), 0);
+        clickRow(2);
+        click("downPicture");
+        click("upPicture");
+        QCOMPARE(currentRow(), 1);
+        QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
+        QCOMPARE(column(0), QStringList({"1", "2", "3"}));
+        clickHeader(1);
+        QCOMPARE(column(1), QStringList({"1_b.png", "2_a.png", "3_c.png"}));
+        QCOMPARE(column(0), QStringList({"1", "3", "2"}));
+        clickHeader(0);
+        QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
+        clickRow(0);
+        click("deletePicture");
+        QCOMPARE(column(1), QStringList({"3_c.png", "2_a.png"}));
+        click("deleteAllPicture");
+        QCOMPARE(column(1), QStringList());
+        click("deletePicture");
+        choose("imagesConversion", {m_folder->path()});
+        QCOMPARE(m_boxes->texts, QStringList());
+    }
+
+    void currentPictureIsShown()
+    {
+        openTab(5);
+        picture("1.png", Qt::red);
+        picture("2.png", Qt::blue);
+        write("3.png", "no picture");
+        auto *screen = find<QComboBox>("pictureSrceen");
+        screen->addItem("1000X300");
+        screen->setCurrentText("1000X300");
+        choose("addPicture", {m_folder->path()});
+        QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+        QCOMPARE(shown(0, 299), qRgb(255, 0, 0));
+        QCOMPARE(shown(0, 300), qRgb(128, 128, 128));
+        const QSize label = find<QLabel>("pictureLabel")->size();
+        QCOMPARE(find<QScrollBar>("pictureHorizontal")->maximum(), 1000 - label.width());
+        QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 0);
+        clickRow(1);
+        QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
+        // What cannot be decoded shows nothing.
+        auto *table = find<QTableWidget>("pictureTable");
+        table->setCurrentCell(2, 0);
+        QVERIFY(isNothingShown());
+        // The preview follows the current row, whatever moves it or the pictures under it.
+        table->setCurrentCell(1, 0);
+        QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
+        click("deletePicture");
+        QVERIFY(isNothingShown());
+        click("upPicture");
+        table->setCurrentCell(1, 0);
+        QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+        clickHeader(1);
+        QVERIFY(isNothingShown());
+        clickRow(0);
+        find<QComboBox>("scaleMultiple")->setCurrentText("400%");
+        QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 1200 - label.height());
+        find<QScrollBar>("pictureVertical")->setValue(9999);
+        QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 1200 - label.height());
+        find<QComboBox>("scaleMultiple")->setCurrentText("10%");
+        QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 0);
+        QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
+        QCOMPARE(shown(100, 29), qRgb(128, 128, 128));
+        // A size that is none shows nothing of the picture, a text without an X changes nothing.
+        screen->addItems({"nonsense", "0X0"});
+        screen->setCurrentText("nonsense");
+        QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
+        screen->setCurrentText("0X0");
+        QCOMPARE(shown(0, 0), qRgb(128, 128, 128));
+    }
+
+    void slidersMoveThePicture()
+    {
+        openTab(5);
+        QImage quarters(2, 2, QImage::Format_RGB32);
+        quarters.fill(Qt::red);
+        quarters.setPixelColor(1, 0, Qt::green);
+        quarters.setPixelColor(0, 1, Qt::blue);
+        QVERIFY(quarters.save(m_folder->filePath("1.png")));
+        picture("2.png", Qt::yellow);
+        choose("addPicture", {m_folder->path()});
+        find<QComboBox>("pictureSrceen")->setCurrentText("1024X768");
+        find<QComboBox>("scaleMultiple")->setCurrentText("200%");
+        QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+        find<QScrollBar>("pictureHorizontal")->setValue(1024);
+        QCOMPARE(shown(0, 0), qRgb(0, 255, 0));
+        find<QScrollBar>("pictureHorizontal")->setValue(1023);
+        QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
+        find<QScrollBar>("pictureVertical")->setValue(768);
+        QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
+        click("deletePicture");
+        QCOMPARE(shown(0, 0), qRgb(255, 255, 0));
+    }
+
+    void changedPicturesAreShownAnew()
+    {
+        openTab(5);
+        picture("1.png", Qt::red);
+        choose("addPicture", {m_folder->path()});
+        picture("1.png", Qt::green);
+        QFile file(m_folder->filePath("1.png"));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(5),
+                                 QFileDevice::FileModificationTime));
+        clickRow(0);
+        QCOMPARE(shown(0, 0), qRgb(0, 255, 0));
+    }
+
+    void picturesAreConverted()
+    {
+        openTab(5);
+        picture("4_logo.final.png", Qt::red);
+        picture("b.jpg", Qt::blue);
+        write("c.png", "no picture");
+        choose("addPicture", {m_folder->path()});
+        const QTemporaryDir out;
+        choose("imagesConversion", {});
+        QCOMPARE(m_boxes->texts, QStringList());
+        choose("imagesConversion", {out.path()});
+        QCOMPARE(m_boxes->texts, QStringList{"Image conversion complete !"});
+        QCOMPARE(QDir(out.path()).entryList(QDir::Files), QStringList({"4_logo.bmp", "b.bmp"}));
+        // The size that the combo shows from the start.
+        QCOMPARE(QImage(out.filePath("b.bmp")).size(), QSize(480, 272));
+        find<QComboBox>("pictureSrceen")->setCurrentText("320X240");
+        m_dialog->selectLanguage("中文");
+        choose("reNameImageConversion", {out.path()});
+        QCOMPARE(m_boxes->texts.last(), QString("图片转换完成！"));
+        QCOMPARE(QImage(out.filePath("4_4_logo.bmp")).size(), QSize(320, 240));
+        QCOMPARE(QImage(out.filePath("5_b.bmp")).size(), QSize(320, 240));
+    }
+
+    void zeroFontIsWritten()
+    {
+        const QString path = QCoreApplication::applicationDirPath() + "/0_ZOLT_ASC.HZK";
+        QFile::remove(path);
+        QVector<int> progress;
+        connect(find<QProgressBar>("progressBar"), &QProgressBar::valueChanged, this,
+                [&progress](int percent) { progress.append(percent); });
+        find<QSpinBox>("horScale")->setValue(-3);
+        click("CreatZeroFont");
+        QCOMPARE(m_boxes->texts, QStringList{"Creat finish！"});
+        QCOMPARE(progress.last(), 100);
+        QCOMPARE(progress.size(), 60); // 0 stood there already
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        GlyphStyle style;
+        style.font = QFont("宋体", 8);
+        style.horScale = -3;
+        QVERIFY(file.readAll() == zeroFont::make(style, [](int) {}));
+        QVERIFY(file.remove());
+    }
+
+    void zeroFontFollowsItsSettings()
+    {
+        runEventLoopUntil([this] { return !fontPreview().isNull(); });
+        GlyphStyle style;
+        style.font = QFont("宋体", 8);
+        const auto expected = [&style](const QString &text) {
+            return QPixmap::fromImage(zeroFont::preview(text, style)).toImage();
+        };
+        QVERIFY(fontPreview() == expected("A"));
+        find<QComboBox>("comboBox")->setCurrentText("g");
+        QVERIFY(fontPreview() == expected("g"));
+        for (const auto &[box, value] : {std::pair("horScale", &GlyphStyle::horScale),
+                                         {"verScale", &GlyphStyle::verScale},
+                                         {"horShift", &GlyphStyle::horShift},
+                                         {"verShift", &GlyphStyle::verShift}}) {
+            style.*value += 3;
+            find<QSpinBox>(box)->setValue(style.*value);
+            QVERIFY2(fontPreview() == expected("g"), box);
+        }
+        const auto answer = [](auto choose) {
+            QTimer::singleShot(50, [choose] {
+                auto *dialog = qobject_cast<QFontDialog *>(QApplication::activeModalWidget());
+                QVERIFY(dialog);
+                QCOMPARE(dialog->windowTitle(), QString("自定义文字属性"));
+                choose(dialog);
+            });
+        };
+        answer([](QFontDialog *dialog) { dialog->reject(); });
+        click("selectFont");
+        QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: 宋体"));
+        answer([&style](QFontDialog *dialog) {
+            dialog->setCurrentFont(QFont("DejaVu Serif", 20));
+            style.font = dialog->currentFont();
+            dialog->accept();
+        });
+        click("selectFont");
+        QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: DejaVu Serif"));
+        QVERIFY(fontPreview() == expected("g"));
+    }
 
 private:
     QStringList column(int column)
@@ -66,228 +277,6 @@ private:
     int currentRow() { return find<QTableWidget>("pictureTable")->currentRow(); }
     void openTab(int index) { find<QTabWidget>("tabWidget")->setCurrentIndex(index); }
 };
-
-void TestPictureTools::foldersAreListed()
-{
-    openTab(5);
-    picture("10.png", Qt::red);
-    picture("3b.png", Qt::red);
-    write("a.txt", "listed all the same");
-    QVERIFY(QDir(m_folder->path()).mkdir("folder"));
-    QVERIFY(QFile::link(m_folder->filePath("10.png"), m_folder->filePath("link.png")));
-    choose("addPicture", {m_folder->path()});
-    QCOMPARE(column(1), QStringList({"10.png", "3b.png", "a.txt"}));
-    QCOMPARE(column(0), QStringList({"10", "3", "4"}));
-    QCOMPARE(currentRow(), 0);
-    choose("addPicture", {});
-    QCOMPARE(column(1).size(), 3);
-    choose("addPicture", {m_folder->filePath("folder")});
-    QCOMPARE(column(1).size(), 0);
-    m_dialog.reset();
-    const QSettings settings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
-                             QSettings::IniFormat);
-    QCOMPARE(settings.value("DefaultPath/imageDefaultPath").toString(),
-             m_folder->filePath("folder"));
-}
-
-void TestPictureTools::rowsAreMovedDeletedAndSorted()
-{
-    openTab(5);
-    for (const char *name : {"1_b.png", "2_a.png", "3_c.png"})
-        picture(name, Qt::red);
-    choose("addPicture", {m_folder->path()});
-    click("upPicture");
-    QCOMPARE(currentRow(), 0);
-    clickRow(2);
-    click("downPicture");
-    click("upPicture");
-    QCOMPARE(currentRow(), 1);
-    QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
-    QCOMPARE(column(0), QStringList({"1", "2", "3"}));
-    clickHeader(1);
-    QCOMPARE(column(1), QStringList({"1_b.png", "2_a.png", "3_c.png"}));
-    QCOMPARE(column(0), QStringList({"1", "3", "2"}));
-    clickHeader(0);
-    QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
-    clickRow(0);
-    click("deletePicture");
-    QCOMPARE(column(1), QStringList({"3_c.png", "2_a.png"}));
-    click("deleteAllPicture");
-    QCOMPARE(column(1), QStringList());
-    click("deletePicture");
-    choose("imagesConversion", {m_folder->path()});
-    QCOMPARE(m_boxes->texts, QStringList());
-}
-
-void TestPictureTools::currentPictureIsShown()
-{
-    openTab(5);
-    picture("1.png", Qt::red);
-    picture("2.png", Qt::blue);
-    write("3.png", "no picture");
-    auto *screen = find<QComboBox>("pictureSrceen");
-    screen->addItem("1000X300");
-    screen->setCurrentText("1000X300");
-    choose("addPicture", {m_folder->path()});
-    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
-    QCOMPARE(shown(0, 299), qRgb(255, 0, 0));
-    QCOMPARE(shown(0, 300), qRgb(128, 128, 128));
-    const QSize label = find<QLabel>("pictureLabel")->size();
-    QCOMPARE(find<QScrollBar>("pictureHorizontal")->maximum(), 1000 - label.width());
-    QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 0);
-    clickRow(1);
-    QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
-    // What cannot be decoded shows nothing.
-    auto *table = find<QTableWidget>("pictureTable");
-    table->setCurrentCell(2, 0);
-    QVERIFY(isNothingShown());
-    // The preview follows the current row, whatever moves it or the pictures under it.
-    table->setCurrentCell(1, 0);
-    QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
-    click("deletePicture");
-    QVERIFY(isNothingShown());
-    click("upPicture");
-    table->setCurrentCell(1, 0);
-    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
-    clickHeader(1);
-    QVERIFY(isNothingShown());
-    clickRow(0);
-    find<QComboBox>("scaleMultiple")->setCurrentText("400%");
-    QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 1200 - label.height());
-    find<QScrollBar>("pictureVertical")->setValue(9999);
-    QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 1200 - label.height());
-    find<QComboBox>("scaleMultiple")->setCurrentText("10%");
-    QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 0);
-    QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
-    QCOMPARE(shown(100, 29), qRgb(128, 128, 128));
-    // A size that is none shows nothing of the picture, a text without an X changes nothing.
-    screen->addItems({"nonsense", "0X0"});
-    screen->setCurrentText("nonsense");
-    QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
-    screen->setCurrentText("0X0");
-    QCOMPARE(shown(0, 0), qRgb(128, 128, 128));
-}
-
-void TestPictureTools::slidersMoveThePicture()
-{
-    openTab(5);
-    QImage quarters(2, 2, QImage::Format_RGB32);
-    quarters.fill(Qt::red);
-    quarters.setPixelColor(1, 0, Qt::green);
-    quarters.setPixelColor(0, 1, Qt::blue);
-    QVERIFY(quarters.save(m_folder->filePath("1.png")));
-    picture("2.png", Qt::yellow);
-    choose("addPicture", {m_folder->path()});
-    find<QComboBox>("pictureSrceen")->setCurrentText("1024X768");
-    find<QComboBox>("scaleMultiple")->setCurrentText("200%");
-    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
-    find<QScrollBar>("pictureHorizontal")->setValue(1024);
-    QCOMPARE(shown(0, 0), qRgb(0, 255, 0));
-    find<QScrollBar>("pictureHorizontal")->setValue(1023);
-    QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
-    find<QScrollBar>("pictureVertical")->setValue(768);
-    QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
-    click("deletePicture");
-    QCOMPARE(shown(0, 0), qRgb(255, 255, 0));
-}
-
-void TestPictureTools::changedPicturesAreShownAnew()
-{
-    openTab(5);
-    picture("1.png", Qt::red);
-    choose("addPicture", {m_folder->path()});
-    picture("1.png", Qt::green);
-    QFile file(m_folder->filePath("1.png"));
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(5),
-                             QFileDevice::FileModificationTime));
-    clickRow(0);
-    QCOMPARE(shown(0, 0), qRgb(0, 255, 0));
-}
-
-void TestPictureTools::picturesAreConverted()
-{
-    openTab(5);
-    picture("4_logo.final.png", Qt::red);
-    picture("b.jpg", Qt::blue);
-    write("c.png", "no picture");
-    choose("addPicture", {m_folder->path()});
-    const QTemporaryDir out;
-    choose("imagesConversion", {});
-    QCOMPARE(m_boxes->texts, QStringList());
-    choose("imagesConversion", {out.path()});
-    QCOMPARE(m_boxes->texts, QStringList{"Image conversion complete !"});
-    QCOMPARE(QDir(out.path()).entryList(QDir::Files), QStringList({"4_logo.bmp", "b.bmp"}));
-    // The size that the combo shows from the start.
-    QCOMPARE(QImage(out.filePath("b.bmp")).size(), QSize(480, 272));
-    find<QComboBox>("pictureSrceen")->setCurrentText("320X240");
-    m_dialog->selectLanguage("中文");
-    choose("reNameImageConversion", {out.path()});
-    QCOMPARE(m_boxes->texts.last(), QString("图片转换完成！"));
-    QCOMPARE(QImage(out.filePath("4_4_logo.bmp")).size(), QSize(320, 240));
-    QCOMPARE(QImage(out.filePath("5_b.bmp")).size(), QSize(320, 240));
-}
-
-void TestPictureTools::zeroFontIsWritten()
-{
-    const QString path = QCoreApplication::applicationDirPath() + "/0_ZOLT_ASC.HZK";
-    QFile::remove(path);
-    QVector<int> progress;
-    connect(find<QProgressBar>("progressBar"), &QProgressBar::valueChanged, this,
-            [&progress](int percent) { progress.append(percent); });
-    find<QSpinBox>("horScale")->setValue(-3);
-    click("CreatZeroFont");
-    QCOMPARE(m_boxes->texts, QStringList{"Creat finish！"});
-    QCOMPARE(progress.last(), 100);
-    QCOMPARE(progress.size(), 60); // 0 stood there already
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    GlyphStyle style;
-    style.font = QFont("宋体", 8);
-    style.horScale = -3;
-    QVERIFY(file.readAll() == zeroFont::make(style, [](int) {}));
-    QVERIFY(file.remove());
-}
-
-void TestPictureTools::zeroFontFollowsItsSettings()
-{
-    runEventLoopUntil([this] { return !fontPreview().isNull(); });
-    GlyphStyle style;
-    style.font = QFont("宋体", 8);
-    const auto expected = [&style](const QString &text) {
-        return QPixmap::fromImage(zeroFont::preview(text, style)).toImage();
-    };
-    QVERIFY(fontPreview() == expected("A"));
-    find<QComboBox>("comboBox")->setCurrentText("g");
-    QVERIFY(fontPreview() == expected("g"));
-    for (const auto &[box, value] : {std::pair("horScale", &GlyphStyle::horScale),
-                                     {"verScale", &GlyphStyle::verScale},
-                                     {"horShift", &GlyphStyle::horShift},
-                                     {"verShift", &GlyphStyle::verShift}}) {
-        style.*value += 3;
-        find<QSpinBox>(box)->setValue(style.*value);
-        QVERIFY2(fontPreview() == expected("g"), box);
-    }
-    const auto answer = [](auto choose) {
-        QTimer::singleShot(50, [choose] {
-            auto *dialog = qobject_cast<QFontDialog *>(QApplication::activeModalWidget());
-            QVERIFY(dialog);
-            QCOMPARE(dialog->windowTitle(), QString("自定义文字属性"));
-            choose(dialog);
-        });
-    };
-    answer([](QFontDialog *dialog) { dialog->reject(); });
-    click("selectFont");
-    QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: 宋体"));
-    answer([&style](QFontDialog *dialog) {
-        dialog->setCurrentFont(QFont("DejaVu Serif", 20));
-        style.font = dialog->currentFont();
-        dialog->accept();
-    });
-    click("selectFont");
-    QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: DejaVu Serif"));
-    QVERIFY(fontPreview() == expected("g"));
-}
 
 QTEST_MAIN(TestPictureTools)
 #include "tst_picture_tools.moc"

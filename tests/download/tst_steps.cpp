@@ -59,246 +59,225 @@ class TestSteps : public QObject
     Q_OBJECT
 
 private slots:
-    void idleSessionsStayAtTickZero();
-    void unknownCommandTypesOnlyCount();
-    void transactionSendsAtTickOneAndEndsAtTickHundred();
-    void acknowledgedTransactionEndsSilently();
-    void missingAcknowledgementIsReportedOnce();
-    void ticksDuringTheBoxFindTheSessionIdle();
-    void unansweredTransactionDoesNotLookAtTheFlag();
-    void acknowledgementLeftBehindCountsForTheNextWrite();
-    void portThatCannotBeOpenedEndsTheSession_data();
-    void portThatCannotBeOpenedEndsTheSession();
-    void replacingExchangeStartsAtTickOneOnTheOpenPort();
-    void resetSendsTwoFramesAndCloses();
-    void replacedResetGoesOnWhereItStood();
-    void lostLinkEndsTheExchangeThatRunsOnIt_data();
-    void lostLinkEndsTheExchangeThatRunsOnIt();
-    void lostLinkOfAnotherExchangeIsSilent();
-    void trafficIsLoggedInOrder();
-};
+    void idleSessionsStayAtTickZero()
+    {
+        Bench bench;
+        bench.session.tick = 5;
+        bench.tick(3);
+        QCOMPARE(bench.session.tick, 0);
+    }
 
-void TestSteps::idleSessionsStayAtTickZero()
-{
-    Bench bench;
-    bench.session.tick = 5;
-    bench.tick(3);
-    QCOMPARE(bench.session.tick, 0);
-}
+    void unknownCommandTypesOnlyCount()
+    {
+        Bench bench;
+        bench.session.start(99);
+        bench.tick(250);
+        QCOMPARE(bench.session.tick, 250);
+        QCOMPARE(bench.link.opens, 0);
+    }
 
-void TestSteps::unknownCommandTypesOnlyCount()
-{
-    Bench bench;
-    bench.session.start(99);
-    bench.tick(250);
-    QCOMPARE(bench.session.tick, 250);
-    QCOMPARE(bench.link.opens, 0);
-}
-
-void TestSteps::transactionSendsAtTickOneAndEndsAtTickHundred()
-{
-    Bench bench;
-    bench.session.start(Bench::unanswered);
-    QCOMPARE(bench.link.opens, 0);
-    bench.tick(1);
-    QCOMPARE(bench.link.written, QVector<QByteArray>{frame});
-    bench.tick(98);
-    QVERIFY(bench.link.isOpen());
-    QCOMPARE(bench.session.commandType, Bench::unanswered);
-    bench.tick(1);
-    QCOMPARE(bench.session.commandType, commandType::idle);
-    QVERIFY(!bench.link.isOpen());
-    QCOMPARE(bench.link.written.size(), 1);
-}
-
-void TestSteps::acknowledgedTransactionEndsSilently()
-{
-    Bench bench;
-    bench.session.start(Bench::acknowledged);
-    bench.tick(40);
-    bench.session.replyReceived = true;
-    bench.tick(60);
-    QCOMPARE(bench.session.commandType, commandType::idle);
-    QVERIFY(!bench.session.replyReceived);
-    QVERIFY(bench.notices.shown.isEmpty());
-}
-
-void TestSteps::missingAcknowledgementIsReportedOnce()
-{
-    Bench bench;
-    bench.session.start(Bench::acknowledged);
-    bench.tick(99);
-    QVERIFY(bench.notices.shown.isEmpty());
-    bench.tick(200);
-    QCOMPARE(bench.notices.shown, QStringList{failure});
-    QVERIFY(!bench.link.isOpen());
-}
-
-void TestSteps::ticksDuringTheBoxFindTheSessionIdle()
-{
-    Bench bench;
-    bench.notices.whileOpen = [&bench] {
+    void transactionSendsAtTickOneAndEndsAtTickHundred()
+    {
+        Bench bench;
+        bench.session.start(Bench::unanswered);
+        QCOMPARE(bench.link.opens, 0);
+        bench.tick(1);
+        QCOMPARE(bench.link.written, QVector<QByteArray>{frame});
+        bench.tick(98);
+        QVERIFY(bench.link.isOpen());
+        QCOMPARE(bench.session.commandType, Bench::unanswered);
+        bench.tick(1);
         QCOMPARE(bench.session.commandType, commandType::idle);
         QVERIFY(!bench.link.isOpen());
-        bench.tick(300);
-    };
-    bench.session.start(Bench::acknowledged);
-    bench.tick(100);
-    QCOMPARE(bench.notices.shown, QStringList{failure});
-    QCOMPARE(bench.link.written.size(), 1);
-}
+        QCOMPARE(bench.link.written.size(), 1);
+    }
 
-void TestSteps::unansweredTransactionDoesNotLookAtTheFlag()
-{
-    Bench bench;
-    bench.session.start(Bench::unanswered);
-    bench.tick(50);
-    bench.session.replyReceived = true;
-    bench.tick(50);
-    QVERIFY(bench.notices.shown.isEmpty());
-    QVERIFY(bench.session.replyReceived);
-}
-
-void TestSteps::acknowledgementLeftBehindCountsForTheNextWrite()
-{
-    Bench bench;
-    bench.session.replyReceived = true;
-    bench.session.start(Bench::acknowledged);
-    bench.tick(100);
-    QVERIFY(bench.notices.shown.isEmpty());
-    bench.session.start(Bench::acknowledged);
-    bench.tick(100);
-    QCOMPARE(bench.notices.shown, QStringList{failure});
-}
-
-void TestSteps::portThatCannotBeOpenedEndsTheSession_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::newRow("acknowledged") << int(Bench::acknowledged);
-    QTest::newRow("unanswered") << int(Bench::unanswered);
-    QTest::newRow("reset") << int(commandType::systemReset);
-}
-
-void TestSteps::portThatCannotBeOpenedEndsTheSession()
-{
-    QFETCH(const int, type);
-    Bench bench;
-    bench.link.canOpen = false;
-    bench.notices.whileOpen = [&bench] {
+    void acknowledgedTransactionEndsSilently()
+    {
+        Bench bench;
+        bench.session.start(Bench::acknowledged);
+        bench.tick(40);
+        bench.session.replyReceived = true;
+        bench.tick(60);
         QCOMPARE(bench.session.commandType, commandType::idle);
+        QVERIFY(!bench.session.replyReceived);
+        QVERIFY(bench.notices.shown.isEmpty());
+    }
+
+    void missingAcknowledgementIsReportedOnce()
+    {
+        Bench bench;
+        bench.session.start(Bench::acknowledged);
+        bench.tick(99);
+        QVERIFY(bench.notices.shown.isEmpty());
+        bench.tick(200);
+        QCOMPARE(bench.notices.shown, QStringList{failure});
+        QVERIFY(!bench.link.isOpen());
+    }
+
+    void ticksDuringTheBoxFindTheSessionIdle()
+    {
+        Bench bench;
+        bench.notices.whileOpen = [&bench] {
+            QCOMPARE(bench.session.commandType, commandType::idle);
+            QVERIFY(!bench.link.isOpen());
+            bench.tick(300);
+        };
+        bench.session.start(Bench::acknowledged);
+        bench.tick(100);
+        QCOMPARE(bench.notices.shown, QStringList{failure});
+        QCOMPARE(bench.link.written.size(), 1);
+    }
+
+    void unansweredTransactionDoesNotLookAtTheFlag()
+    {
+        Bench bench;
+        bench.session.start(Bench::unanswered);
+        bench.tick(50);
+        bench.session.replyReceived = true;
+        bench.tick(50);
+        QVERIFY(bench.notices.shown.isEmpty());
+        QVERIFY(bench.session.replyReceived);
+    }
+
+    void acknowledgementLeftBehindCountsForTheNextWrite()
+    {
+        Bench bench;
+        bench.session.replyReceived = true;
+        bench.session.start(Bench::acknowledged);
+        bench.tick(100);
+        QVERIFY(bench.notices.shown.isEmpty());
+        bench.session.start(Bench::acknowledged);
+        bench.tick(100);
+        QCOMPARE(bench.notices.shown, QStringList{failure});
+    }
+
+    void portThatCannotBeOpenedEndsTheSession_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::newRow("acknowledged") << int(Bench::acknowledged);
+        QTest::newRow("unanswered") << int(Bench::unanswered);
+        QTest::newRow("reset") << int(commandType::systemReset);
+    }
+
+    void portThatCannotBeOpenedEndsTheSession()
+    {
+        QFETCH(const int, type);
+        Bench bench;
+        bench.link.canOpen = false;
+        bench.notices.whileOpen = [&bench] {
+            QCOMPARE(bench.session.commandType, commandType::idle);
+            bench.tick(10);
+        };
+        bench.session.start(type);
+        bench.tick(200);
+        QCOMPARE(bench.notices.shown, QStringList{"Serial opening failed !"});
+        QVERIFY(bench.notices.details.first().startsWith("Another program is using the port."));
+        QVERIFY(bench.link.written.isEmpty());
+    }
+
+    void replacingExchangeStartsAtTickOneOnTheOpenPort()
+    {
+        Bench bench;
+        bench.session.start(Bench::unanswered);
+        bench.tick(50);
+        bench.session.start(Bench::acknowledged);
+        bench.tick(1);
+        QCOMPARE(bench.link.opens, 1);
+        QCOMPARE(bench.link.written.size(), 2);
+        bench.tick(98);
+        QVERIFY(bench.notices.shown.isEmpty());
+        bench.tick(1);
+        QCOMPARE(bench.notices.shown, QStringList{failure});
+    }
+
+    void resetSendsTwoFramesAndCloses()
+    {
+        Bench bench;
+        bench.session.start(commandType::systemReset);
+        bench.tick(1);
+        QCOMPARE(bench.link.written, QVector<QByteArray>{QByteArray::fromHex("5AA5048F0000A0")});
+        bench.tick(70);
+        QCOMPARE(bench.link.written.size(), 1);
+        bench.tick(1);
+        QCOMPARE(bench.link.written.size(), 2);
+        QCOMPARE(bench.link.written.last(), QByteArray::fromHex("5AA507820004 55AA5A5A"));
         bench.tick(10);
-    };
-    bench.session.start(type);
-    bench.tick(200);
-    QCOMPARE(bench.notices.shown, QStringList{"Serial opening failed !"});
-    QVERIFY(bench.notices.details.first().startsWith("Another program is using the port."));
-    QVERIFY(bench.link.written.isEmpty());
-}
+        QVERIFY(bench.link.isOpen());
+        bench.tick(1);
+        QVERIFY(!bench.link.isOpen());
+        QCOMPARE(bench.session.commandType, commandType::idle);
+        QVERIFY(bench.notices.shown.isEmpty());
+    }
 
-void TestSteps::replacingExchangeStartsAtTickOneOnTheOpenPort()
-{
-    Bench bench;
-    bench.session.start(Bench::unanswered);
-    bench.tick(50);
-    bench.session.start(Bench::acknowledged);
-    bench.tick(1);
-    QCOMPARE(bench.link.opens, 1);
-    QCOMPARE(bench.link.written.size(), 2);
-    bench.tick(98);
-    QVERIFY(bench.notices.shown.isEmpty());
-    bench.tick(1);
-    QCOMPARE(bench.notices.shown, QStringList{failure});
-}
+    void replacedResetGoesOnWhereItStood()
+    {
+        Bench bench;
+        bench.session.start(commandType::systemReset);
+        bench.tick(5);
+        bench.session.start(Bench::unanswered);
+        bench.tick(5);
+        bench.session.start(commandType::systemReset);
+        bench.tick(70);
+        QCOMPARE(bench.link.written.size(), 2);
+        bench.tick(1);
+        QCOMPARE(bench.link.written.last(), QByteArray::fromHex("5AA507820004 55AA5A5A"));
+    }
 
-void TestSteps::resetSendsTwoFramesAndCloses()
-{
-    Bench bench;
-    bench.session.start(commandType::systemReset);
-    bench.tick(1);
-    QCOMPARE(bench.link.written, QVector<QByteArray>{QByteArray::fromHex("5AA5048F0000A0")});
-    bench.tick(70);
-    QCOMPARE(bench.link.written.size(), 1);
-    bench.tick(1);
-    QCOMPARE(bench.link.written.size(), 2);
-    QCOMPARE(bench.link.written.last(), QByteArray::fromHex("5AA507820004 55AA5A5A"));
-    bench.tick(10);
-    QVERIFY(bench.link.isOpen());
-    bench.tick(1);
-    QVERIFY(!bench.link.isOpen());
-    QCOMPARE(bench.session.commandType, commandType::idle);
-    QVERIFY(bench.notices.shown.isEmpty());
-}
+    void lostLinkEndsTheExchangeThatRunsOnIt_data() { portThatCannotBeOpenedEndsTheSession_data(); }
 
-void TestSteps::replacedResetGoesOnWhereItStood()
-{
-    Bench bench;
-    bench.session.start(commandType::systemReset);
-    bench.tick(5);
-    bench.session.start(Bench::unanswered);
-    bench.tick(5);
-    bench.session.start(commandType::systemReset);
-    bench.tick(70);
-    QCOMPARE(bench.link.written.size(), 2);
-    bench.tick(1);
-    QCOMPARE(bench.link.written.last(), QByteArray::fromHex("5AA507820004 55AA5A5A"));
-}
+    void lostLinkEndsTheExchangeThatRunsOnIt()
+    {
+        QFETCH(const int, type);
+        Bench bench;
+        bench.session.start(type);
+        bench.tick(20);
+        bench.session.replyReceived = true;
+        bench.link.close();
+        bench.dispatch.linkLost(bench.link);
+        QCOMPARE(bench.session.commandType, commandType::idle);
+        QCOMPARE(bench.notices.shown, QStringList{failure});
+        bench.tick(200);
+        QCOMPARE(bench.notices.shown.size(), 1);
 
-void TestSteps::lostLinkEndsTheExchangeThatRunsOnIt_data()
-{
-    portThatCannotBeOpenedEndsTheSession_data();
-}
+        // The next exchange begins anew.
+        bench.link.written.clear();
+        bench.session.start(type);
+        bench.tick(1);
+        QCOMPARE(bench.link.written.size(), 1);
+    }
 
-void TestSteps::lostLinkEndsTheExchangeThatRunsOnIt()
-{
-    QFETCH(const int, type);
-    Bench bench;
-    bench.session.start(type);
-    bench.tick(20);
-    bench.session.replyReceived = true;
-    bench.link.close();
-    bench.dispatch.linkLost(bench.link);
-    QCOMPARE(bench.session.commandType, commandType::idle);
-    QCOMPARE(bench.notices.shown, QStringList{failure});
-    bench.tick(200);
-    QCOMPARE(bench.notices.shown.size(), 1);
+    void lostLinkOfAnotherExchangeIsSilent()
+    {
+        Bench bench;
+        FakeLink other;
+        bench.dispatch.linkLost(bench.link);
+        bench.session.start(Bench::unanswered);
+        bench.tick(20);
+        bench.dispatch.linkLost(other);
+        QCOMPARE(bench.session.commandType, Bench::unanswered);
+        QVERIFY(bench.notices.shown.isEmpty());
+    }
 
-    // The next exchange begins anew.
-    bench.link.written.clear();
-    bench.session.start(type);
-    bench.tick(1);
-    QCOMPARE(bench.link.written.size(), 1);
-}
-
-void TestSteps::lostLinkOfAnotherExchangeIsSilent()
-{
-    Bench bench;
-    FakeLink other;
-    bench.dispatch.linkLost(bench.link);
-    bench.session.start(Bench::unanswered);
-    bench.tick(20);
-    bench.dispatch.linkLost(other);
-    QCOMPARE(bench.session.commandType, Bench::unanswered);
-    QVERIFY(bench.notices.shown.isEmpty());
-}
-
-void TestSteps::trafficIsLoggedInOrder()
-{
-    Bench bench;
-    QStringList lines;
-    connect(&bench.log, &TrafficLog::linesReady, this,
-            [&lines](const QStringList &batch) { lines += batch; });
-    bench.session.start(Bench::unanswered);
-    bench.tick(1);
-    bench.log.add(TrafficLog::Direction::Received, QByteArray::fromHex("AB00"));
-    bench.session.start(commandType::systemReset);
-    bench.tick(200);
-    QTRY_COMPARE(lines, (QStringList{"5aa5078200845a010007", "ab00"}));
-    bench.log.add(TrafficLog::Direction::Received, "x");
-    bench.log.clear();
-    bench.log.add(TrafficLog::Direction::Received, "y");
-    QTRY_COMPARE(lines.size(), 3);
-    QCOMPARE(lines.last(), QString("79"));
-}
+    void trafficIsLoggedInOrder()
+    {
+        Bench bench;
+        QStringList lines;
+        connect(&bench.log, &TrafficLog::linesReady, this,
+                [&lines](const QStringList &batch) { lines += batch; });
+        bench.session.start(Bench::unanswered);
+        bench.tick(1);
+        bench.log.add(TrafficLog::Direction::Received, QByteArray::fromHex("AB00"));
+        bench.session.start(commandType::systemReset);
+        bench.tick(200);
+        QTRY_COMPARE(lines, (QStringList{"5aa5078200845a010007", "ab00"}));
+        bench.log.add(TrafficLog::Direction::Received, "x");
+        bench.log.clear();
+        bench.log.add(TrafficLog::Direction::Received, "y");
+        QTRY_COMPARE(lines.size(), 3);
+        QCOMPARE(lines.last(), QString("79"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestSteps)
 #include "tst_steps.moc"

@@ -14,192 +14,178 @@ class TestQtSerialLink : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-    void bytesGoBothWays();
-    void secondOpenFailsOnAnOpenLink();
-    void missingPortIsReported();
-    void fileThatIsNoPortIsReported();
-    void writingToAClosedLinkDoesNothing();
-    void bytesFromBeforeTheOpenAreForgotten();
-    void pollReadsWithoutTheEventLoop();
-    void refusedRateIsNotPassedOver();
-    void portOfTheOtherLinkIsNamed();
-    void vanishedDeviceIsReportedOnceAndClosed();
-    void readThatFindsNothingIsNoLoss_data();
-    void readThatFindsNothingIsNoLoss();
+    void init()
+    {
+        m_terminal = std::make_unique<k7::PseudoTerminal>();
+        QVERIFY(m_terminal->open());
+        m_link = std::make_unique<QtSerialLink>();
+        m_link->setPortName(m_terminal->path());
+        m_link->setBaudRate(6250000);
+    }
+
+    void cleanup()
+    {
+        m_link.reset();
+        m_terminal.reset();
+    }
+
+    void bytesGoBothWays()
+    {
+        QByteArray sent;
+        connect(m_terminal.get(), &k7::PseudoTerminal::received, this,
+                [&sent](const QByteArray &bytes) { sent += bytes; });
+        QVERIFY(m_link->open());
+        QByteArray all;
+        for (int i = 0; i < 70000; ++i)
+            all.append(static_cast<char>(i));
+        m_link->write(all);
+        COMPARE_SOON(sent.size(), all.size());
+        QCOMPARE(sent, all);
+
+        QByteArray received;
+        connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
+        m_terminal->write(all);
+        COMPARE_SOON(received.size(), all.size());
+        QCOMPARE(received, all);
+    }
+
+    void secondOpenFailsOnAnOpenLink()
+    {
+        QVERIFY(m_link->open());
+        QVERIFY(!m_link->open());
+        QVERIFY(m_link->isOpen());
+    }
+
+    void missingPortIsReported()
+    {
+        m_link->setPortName("Refresh");
+        QVERIFY(!m_link->open());
+        QVERIFY(!m_link->isOpen());
+        QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
+    }
+
+    void fileThatIsNoPortIsReported()
+    {
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        m_link->setPortName(file.fileName());
+        QVERIFY(!m_link->open());
+        QCOMPARE(m_link->openFailure(), OpenFailure::NotASerialPort);
+    }
+
+    void writingToAClosedLinkDoesNothing()
+    {
+        QSignalSpy received(m_terminal.get(), &k7::PseudoTerminal::received);
+        m_link->write("lost");
+        QVERIFY(m_link->open());
+        m_link->write("kept");
+        COMPARE_SOON(received.count(), 1);
+        QCOMPARE(received.first().first().toByteArray(), QByteArray("kept"));
+    }
+
+    void bytesFromBeforeTheOpenAreForgotten()
+    {
+        m_terminal->write("late reply");
+        QVERIFY(m_link->open());
+        m_terminal->write("new");
+        QSignalSpy readyRead(m_link.get(), &SerialLink::readyRead);
+        COMPARE_SOON(readyRead.count() > 0, true);
+        QCOMPARE(m_link->readAll(), QByteArray("new"));
+    }
+
+    void pollReadsWithoutTheEventLoop()
+    {
+        QVERIFY(m_link->open());
+        QByteArray received;
+        connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
+        m_link->poll();
+        QVERIFY(received.isEmpty());
+        m_terminal->write("reply");
+        m_link->poll();
+        QCOMPARE(received, QByteArray("reply"));
+    }
+
+    void refusedRateIsNotPassedOver()
+    {
+        QVERIFY(m_link->open());
+        m_link->setBaudRate(-1);
+        QVERIFY(!m_link->isOpen());
+        QVERIFY(!m_link->open());
+        m_link->setBaudRate(9600);
+        QVERIFY(m_link->open());
+    }
+
+    void portOfTheOtherLinkIsNamed()
+    {
+        QtSerialLink other;
+        other.setPortName(m_terminal->path());
+        QVERIFY(m_link->open());
+        m_link->setPortName("elsewhere"); // the open device stays
+        QVERIFY(!other.open());
+        QCOMPARE(other.openFailure(), OpenFailure::InUse);
+        other.setPeer(*m_link);
+        QVERIFY(!other.open());
+        QCOMPARE(other.openFailure(), OpenFailure::OurOwn);
+        m_link->close();
+        QVERIFY(other.open());
+    }
+
+    void vanishedDeviceIsReportedOnceAndClosed()
+    {
+        // The system may give the name of the terminal to somebody else at once; a link of ours
+        // goes.
+        const QTemporaryDir folder;
+        const QString name = folder.filePath("port");
+        QVERIFY(QFile::link(m_terminal->path(), name));
+        m_link->setPortName(name);
+        QSignalSpy lost(m_link.get(), &SerialLink::lost);
+        QVERIFY(m_link->open());
+        m_terminal->hangUp();
+        COMPARE_SOON(lost.count(), 1);
+        QVERIFY(!m_link->isOpen());
+        runEventLoop(20);
+        QCOMPARE(lost.count(), 1);
+        QVERIFY(QFile::remove(name));
+        QVERIFY(!m_link->open());
+        QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
+    }
+
+    void readThatFindsNothingIsNoLoss_data()
+    {
+        QTest::addColumn<int>("error");
+        for (const int error : {EAGAIN, EIO, EBADF, 0})
+            QTest::addRow("%d", error) << error;
+    }
+
+    void readThatFindsNothingIsNoLoss()
+    {
+        QSignalSpy lost(m_link.get(), &SerialLink::lost);
+        QVERIFY(m_link->open());
+        auto *port = m_link->findChild<QSerialPort *>();
+        QVERIFY(port);
+        const auto notifiers = port->findChildren<QSocketNotifier *>();
+        QVERIFY(!notifiers.isEmpty());
+        QFETCH(const int, error);
+        for (QSocketNotifier *notifier : notifiers) {
+            if (notifier->type() != QSocketNotifier::Read)
+                continue;
+            // As the event loop does when poll() has emptied the port in between.
+            QEvent activation(QEvent::SockAct);
+            errno = error;
+            QCoreApplication::sendEvent(notifier, &activation);
+        }
+        QByteArray received;
+        connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
+        m_terminal->write("still here");
+        COMPARE_SOON(received, QByteArray("still here"));
+        QVERIFY(m_link->isOpen());
+        QCOMPARE(lost.count(), 0);
+    }
 
 private:
     std::unique_ptr<k7::PseudoTerminal> m_terminal;
     std::unique_ptr<QtSerialLink> m_link;
 };
-
-void TestQtSerialLink::init()
-{
-    m_terminal = std::make_unique<k7::PseudoTerminal>();
-    QVERIFY(m_terminal->open());
-    m_link = std::make_unique<QtSerialLink>();
-    m_link->setPortName(m_terminal->path());
-    m_link->setBaudRate(6250000);
-}
-
-void TestQtSerialLink::cleanup()
-{
-    m_link.reset();
-    m_terminal.reset();
-}
-
-void TestQtSerialLink::bytesGoBothWays()
-{
-    QByteArray sent;
-    connect(m_terminal.get(), &k7::PseudoTerminal::received, this,
-            [&sent](const QByteArray &bytes) { sent += bytes; });
-    QVERIFY(m_link->open());
-    QByteArray all;
-    for (int i = 0; i < 70000; ++i)
-        all.append(static_cast<char>(i));
-    m_link->write(all);
-    COMPARE_SOON(sent.size(), all.size());
-    QCOMPARE(sent, all);
-
-    QByteArray received;
-    connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
-    m_terminal->write(all);
-    COMPARE_SOON(received.size(), all.size());
-    QCOMPARE(received, all);
-}
-
-void TestQtSerialLink::secondOpenFailsOnAnOpenLink()
-{
-    QVERIFY(m_link->open());
-    QVERIFY(!m_link->open());
-    QVERIFY(m_link->isOpen());
-}
-
-void TestQtSerialLink::missingPortIsReported()
-{
-    m_link->setPortName("Refresh");
-    QVERIFY(!m_link->open());
-    QVERIFY(!m_link->isOpen());
-    QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
-}
-
-void TestQtSerialLink::fileThatIsNoPortIsReported()
-{
-    QTemporaryFile file;
-    QVERIFY(file.open());
-    m_link->setPortName(file.fileName());
-    QVERIFY(!m_link->open());
-    QCOMPARE(m_link->openFailure(), OpenFailure::NotASerialPort);
-}
-
-void TestQtSerialLink::writingToAClosedLinkDoesNothing()
-{
-    QSignalSpy received(m_terminal.get(), &k7::PseudoTerminal::received);
-    m_link->write("lost");
-    QVERIFY(m_link->open());
-    m_link->write("kept");
-    COMPARE_SOON(received.count(), 1);
-    QCOMPARE(received.first().first().toByteArray(), QByteArray("kept"));
-}
-
-void TestQtSerialLink::bytesFromBeforeTheOpenAreForgotten()
-{
-    m_terminal->write("late reply");
-    QVERIFY(m_link->open());
-    m_terminal->write("new");
-    QSignalSpy readyRead(m_link.get(), &SerialLink::readyRead);
-    COMPARE_SOON(readyRead.count() > 0, true);
-    QCOMPARE(m_link->readAll(), QByteArray("new"));
-}
-
-void TestQtSerialLink::pollReadsWithoutTheEventLoop()
-{
-    QVERIFY(m_link->open());
-    QByteArray received;
-    connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
-    m_link->poll();
-    QVERIFY(received.isEmpty());
-    m_terminal->write("reply");
-    m_link->poll();
-    QCOMPARE(received, QByteArray("reply"));
-}
-
-void TestQtSerialLink::refusedRateIsNotPassedOver()
-{
-    QVERIFY(m_link->open());
-    m_link->setBaudRate(-1);
-    QVERIFY(!m_link->isOpen());
-    QVERIFY(!m_link->open());
-    m_link->setBaudRate(9600);
-    QVERIFY(m_link->open());
-}
-
-void TestQtSerialLink::portOfTheOtherLinkIsNamed()
-{
-    QtSerialLink other;
-    other.setPortName(m_terminal->path());
-    QVERIFY(m_link->open());
-    m_link->setPortName("elsewhere"); // the open device stays
-    QVERIFY(!other.open());
-    QCOMPARE(other.openFailure(), OpenFailure::InUse);
-    other.setPeer(*m_link);
-    QVERIFY(!other.open());
-    QCOMPARE(other.openFailure(), OpenFailure::OurOwn);
-    m_link->close();
-    QVERIFY(other.open());
-}
-
-void TestQtSerialLink::vanishedDeviceIsReportedOnceAndClosed()
-{
-    // The system may give the name of the terminal to somebody else at once; a link of ours goes.
-    const QTemporaryDir folder;
-    const QString name = folder.filePath("port");
-    QVERIFY(QFile::link(m_terminal->path(), name));
-    m_link->setPortName(name);
-    QSignalSpy lost(m_link.get(), &SerialLink::lost);
-    QVERIFY(m_link->open());
-    m_terminal->hangUp();
-    COMPARE_SOON(lost.count(), 1);
-    QVERIFY(!m_link->isOpen());
-    runEventLoop(20);
-    QCOMPARE(lost.count(), 1);
-    QVERIFY(QFile::remove(name));
-    QVERIFY(!m_link->open());
-    QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
-}
-
-void TestQtSerialLink::readThatFindsNothingIsNoLoss_data()
-{
-    QTest::addColumn<int>("error");
-    for (const int error : {EAGAIN, EIO, EBADF, 0})
-        QTest::addRow("%d", error) << error;
-}
-
-void TestQtSerialLink::readThatFindsNothingIsNoLoss()
-{
-    QSignalSpy lost(m_link.get(), &SerialLink::lost);
-    QVERIFY(m_link->open());
-    auto *port = m_link->findChild<QSerialPort *>();
-    QVERIFY(port);
-    const auto notifiers = port->findChildren<QSocketNotifier *>();
-    QVERIFY(!notifiers.isEmpty());
-    QFETCH(const int, error);
-    for (QSocketNotifier *notifier : notifiers) {
-        if (notifier->type() != QSocketNotifier::Read)
-            continue;
-        // As the event loop does when poll() has emptied the port in between.
-        QEvent activation(QEvent::SockAct);
-        errno = error;
-        QCoreApplication::sendEvent(notifier, &activation);
-    }
-    QByteArray received;
-    connect(m_link.get(), &SerialLink::readyRead, this, [&] { received += m_link->readAll(); });
-    m_terminal->write("still here");
-    COMPARE_SOON(received, QByteArray("still here"));
-    QVERIFY(m_link->isOpen());
-    QCOMPARE(lost.count(), 0);
-}
 
 QTEST_GUILESS_MAIN(TestQtSerialLink)
 #include "tst_qt_serial_link.moc"

@@ -6,16 +6,29 @@
 #include "simulator/simulator.h"
 #include "support/event_loop.h"
 
+#include <QComboBox>
 #include <QFile>
 #include <QImage>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTableWidget>
 #include <QTemporaryDir>
+#include <QTextEdit>
 
 #include <memory>
 
-/// Base of the tests that drive the real window against the simulated module.
+/// Base of the tests that drive the real window against the simulated module: each test has a new
+/// window.
 class WindowTest : public QObject
 {
+    Q_OBJECT
+
+private slots:
+    void init() { QVERIFY(openWindow()); }
+    void cleanup() { closeWindow(); }
+
 protected:
     /// Opens a window with default settings, on the ports of a new module. False when the system
     /// has no terminals for it.
@@ -48,7 +61,25 @@ protected:
             qFatal("no widget %s", qPrintable(name));
         return widget;
     }
-    void click(const QString &name) { find<QPushButton>(name)->click(); }
+    void click(const QString &name) { find<QAbstractButton>(name)->click(); }
+    void set(const QString &spinBox, int value) { find<QSpinBox>(spinBox)->setValue(value); }
+    int value(const QString &spinBox) { return find<QSpinBox>(spinBox)->value(); }
+    void select(const QString &combo, const QString &text)
+    {
+        find<QComboBox>(combo)->setCurrentText(text);
+    }
+    bool isChecked(const QString &button) { return find<QAbstractButton>(button)->isChecked(); }
+    QString line(const QString &edit) { return find<QLineEdit>(edit)->text(); }
+    QString view(const QString &edit) { return find<QTextEdit>(edit)->toPlainText(); }
+    /// The texts of `column` from the top.
+    QStringList column(const QString &table, int column)
+    {
+        auto *widget = find<QTableWidget>(table);
+        QStringList texts;
+        for (int row = 0; row < widget->rowCount(); ++row)
+            texts.append(widget->item(row, column)->text());
+        return texts;
+    }
     /// Presses `button` and chooses `paths` in the file dialog that it opens; none cancels it.
     void choose(const QString &button, const QStringList &paths)
     {
@@ -77,6 +108,19 @@ protected:
         QImage image(width, height, QImage::Format_RGB32);
         image.fill(color);
         return writePicture(name, image);
+    }
+    static QByteArray content(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+    }
+    /// What the settings file has under `key`.
+    static QVariant stored(const QString &key)
+    {
+        QSettings settings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
+                           QSettings::IniFormat);
+        settings.setIniCodec("UTF-8");
+        return settings.value(key);
     }
     void waitForBox()
     {
