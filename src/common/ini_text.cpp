@@ -15,7 +15,7 @@ struct Place
 
 QByteArray groupOf(const QString &key)
 {
-    return '[' + key.section('/', 0, 0).toLatin1() + ']';
+    return key.section('/', 0, 0).toLatin1();
 }
 
 QByteArray nameOf(const QString &key)
@@ -31,9 +31,11 @@ Place find(const Lines &lines, const QString &key)
     Place place;
     bool isInGroup = false;
     for (int i = 0; i < lines.size(); ++i) {
-        const QByteArray line = lines.at(i).trimmed();
+        QByteArray line = lines.at(i).trimmed();
+        if (i == 0 && line.startsWith("\xEF\xBB\xBF"))
+            line.remove(0, 3); // some editors mark UTF-8 so
         if (line.startsWith('['))
-            isInGroup = line == group;
+            isInGroup = line.mid(1, line.indexOf(']') - 1).trimmed() == group;
         if (!isInGroup || line.isEmpty())
             continue;
         place.end = i + 1;
@@ -89,7 +91,7 @@ QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries)
                 lines.removeLast();
             if (!lines.isEmpty())
                 lines.append(QByteArray());
-            lines += {groupOf(entry.key), lineOf(entry), QByteArray()};
+            lines += {'[' + groupOf(entry.key) + ']', lineOf(entry), QByteArray()};
         }
     }
     return lines.join('\n');
@@ -102,7 +104,8 @@ QString rawValue(const QByteArray &text, const QString &key)
     if (place.line < 0)
         return {};
     const QByteArray line = lines.at(place.line);
-    return QString::fromUtf8(line.mid(line.indexOf('=') + 1).trimmed());
+    const QByteArray value = line.mid(line.indexOf('=') + 1);
+    return QString::fromUtf8(value.split(';').first().trimmed()); // a comment may follow
 }
 
 } // namespace iniText

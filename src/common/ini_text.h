@@ -21,8 +21,8 @@ struct Entry
 /// groups.
 QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries);
 
-/// What stands behind the "=" of `key`, to the end of its line and as it is written. Empty when
-/// there is no such key.
+/// What stands behind the "=" of `key`, as it is written, up to a comment or the end of the line.
+/// Empty when there is no such key.
 QString rawValue(const QByteArray &text, const QString &key);
 
 } // namespace iniText

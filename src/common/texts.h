@@ -73,10 +73,11 @@ inline constexpr Text portInUse{"Another program is using the port. Close that p
                                 "串口正被其他程序占用。请先关闭该程序。"};
 inline constexpr Text portIsOurOwn{
     "The tool itself has the port open, for its other link. Choose different ports for UART2 and "
-    "ED2 in the serial settings. A port that a stopped ED2 download left open is closed when the "
-    "next ED2 download ends, or with the tool.",
+    "ED2 in the serial settings. An ED2 port that a stopped download left open is closed when the "
+    "next ED2 download ends, a UART2 port by Stop on an ED2 page, and both with the tool.",
     "本工具的另一条链路已打开该串口。请在串口设置中为UART2和ED2选择不同的串口。"
-    "停止ED2下载后仍打开的串口，会在下一次ED2下载结束时或退出本工具时关闭。"};
+    "停止下载后仍打开的ED2串口，会在下一次ED2下载结束时关闭；UART2串口可用ED2页面的“停止”关闭；"
+    "退出本工具时两者都会关闭。"};
 #ifdef Q_OS_LINUX
 inline constexpr Text noPermission{
     "You have no permission to use the port. Add your user to the group dialout, then log in "

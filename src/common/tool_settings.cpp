@@ -25,6 +25,13 @@ constexpr std::array<const char *, 23> defaultResolutions{
 /// More entries than this are a damaged file, not a list that anybody chooses from.
 constexpr int maxResolutions = 1000;
 
+/// `file`, which is made of `prepared` where it is missing; `prepared` where that is impossible.
+QString fileToRead(const QString &file, const QString &prepared)
+{
+    const auto initial = QFile::exists(file) ? std::nullopt : readFile(prepared);
+    return initial && !replaceFile(file, *initial) ? prepared : file;
+}
+
 QString resolutionKey(int index)
 {
     return QString("Resolution/R%1").arg(index);
@@ -33,12 +40,9 @@ QString resolutionKey(int index)
 } // namespace
 
 ToolSettings::ToolSettings(const QString &file, const QString &prepared)
-    : m_file(file), m_store(file, QSettings::IniFormat)
+    : m_file(file), m_store(fileToRead(file, prepared), QSettings::IniFormat)
 {
     m_store.setIniCodec("UTF-8");
-    const auto initial = QFile::exists(file) ? std::nullopt : readFile(prepared);
-    if (initial && replaceFile(file, *initial))
-        m_store.sync();
     m_icoFolder = text(icoKey);
     m_fontFolder = text(fontKey);
     m_imageFolder = text(imageKey);
@@ -104,14 +108,30 @@ bool ToolSettings::hasGroup(const QString &group) const
 
 void ToolSettings::set(const QVector<iniText::Entry> &entries)
 {
+    const auto old = currentText();
     m_unwritten += entries;
-    const auto old = readFile(m_file);
+    m_textUnwrittenInto = old;
     // A file that cannot be read is not replaced: what it holds would be lost.
     if (!old && QFile::exists(m_file))
         return;
-    if (replaceFile(m_file, iniText::withEntries(old.value_or(QByteArray()), m_unwritten)))
+    const QByteArray text = iniText::withEntries(old.value_or(QByteArray()), m_unwritten);
+    if (text == old || replaceFile(m_file, text))
         m_unwritten.clear();
     m_store.sync();
+}
+
+void ToolSettings::refresh()
+{
+    currentText();
+    m_store.sync();
+}
+
+std::optional<QByteArray> ToolSettings::currentText()
+{
+    const auto text = readFile(m_file);
+    if (text != m_textUnwrittenInto)
+        m_unwritten.clear();
+    return text;
 }
 
 QVariant ToolSettings::value(const QString &key) const

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 /// The tool's own settings: an INI file, UTF-8, kept for the life of the window. A missing or
 /// unreadable file is a file without keys. Every change is written at once, and whole or not at
 /// all; one that cannot be written holds until the window is closed.
@@ -13,7 +15,7 @@ class ToolSettings
 {
 public:
     /// Reads the start folders from `file`. Where there is no such file yet, that of `prepared` is
-    /// its first content.
+    /// its first content; where none can be made, `prepared` is read all the same.
     explicit ToolSettings(const QString &file, const QString &prepared = QString());
 
     // Where file dialogs start: a folder or a path in it; empty before the first choice.
@@ -35,7 +37,7 @@ public:
     QStringList loadResolutions();
 
     /// Takes in what was edited in the file meanwhile.
-    void refresh() { m_store.sync(); }
+    void refresh();
     /// Empty for a list: an unquoted comma makes one of a value.
     QString text(const QString &key) const { return value(key).toString(); }
     /// The same, but as it stands in the file where it is a list: commas belong to captions.
@@ -46,9 +48,14 @@ public:
 private:
     QVariant value(const QString &key) const;
 
+    /// The text of the file, none when it cannot be read. What could not be written into another
+    /// one is forgotten: the user's file counts.
+    std::optional<QByteArray> currentText();
+
     const QString m_file;
     QSettings m_store; ///< only reads
     QVector<iniText::Entry> m_unwritten;
+    std::optional<QByteArray> m_textUnwrittenInto;
     QString m_icoFolder;
     QString m_fontFolder;
     QString m_imageFolder;

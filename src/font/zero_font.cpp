@@ -4,21 +4,19 @@
 
 #include <QPainter>
 #include <QThreadPool>
-#include <QVector>
-#include <QtConcurrent>
+
+#include <array>
+#include <atomic>
+#include <future>
+#include <vector>
 
 namespace zeroFont {
 
 namespace {
 
-/// The threads of one run, which no font has been used on yet. A font that has drawn at a fraction
-/// of a pixel draws large glyphs that fraction of a font unit aside ever after, and each thread has
-/// fonts of its own: what is drawn here does not depend on what was drawn before.
-class FreshThreads : public QThreadPool
-{
-public:
-    FreshThreads() { setMaxThreadCount(globalInstance()->maxThreadCount()); }
-};
+// All drawing is done on threads that have used no font before: a font that has drawn at a fraction
+// of a pixel draws large glyphs that fraction of a font unit aside ever after, and each thread has
+// fonts of its own.
 
 QImage draw(const QString &text, const GlyphStyle &style)
 {
@@ -46,14 +44,21 @@ QImage draw(const QString &text, const GlyphStyle &style)
 QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showProgress)
 {
     const glyph::Codes drawn = glyph::codesIn(style.font);
-    FreshThreads threads;
-    QVector<QFuture<QByteArray>> blocks;
-    for (int size = glyph::minSize; size <= glyph::maxSize; ++size)
-        blocks.append(QtConcurrent::run(&threads, &glyph::block, size, style, drawn));
+    constexpr int sizes = glyph::maxSize - glyph::minSize + 1;
+    std::array<std::promise<QByteArray>, sizes> blocks;
+    std::atomic<int> next{0};
+    const auto work = [&] {
+        for (int i = next++; i < sizes; i = next++)
+            blocks[static_cast<size_t>(i)].set_value(
+                glyph::block(glyph::minSize + i, style, drawn));
+    };
+    std::vector<std::future<void>> threads;
+    for (int i = 0; i < QThreadPool::globalInstance()->maxThreadCount(); ++i)
+        threads.push_back(std::async(std::launch::async, work));
     QByteArray font;
     showProgress(0);
-    for (int i = 0; i < blocks.size(); ++i) {
-        font += blocks.at(i).result();
+    for (int i = 0; i < sizes; ++i) {
+        font += blocks[static_cast<size_t>(i)].get_future().get();
         showProgress(i * 5 / 3);
     }
     return font;
@@ -66,8 +71,7 @@ void write(const QString &folder, const QByteArray &font)
 
 QImage preview(const QString &text, const GlyphStyle &style)
 {
-    FreshThreads threads;
-    return QtConcurrent::run(&threads, &draw, text, style).result();
+    return std::async(std::launch::async, &draw, text, style).get();
 }
 
 } // namespace zeroFont

@@ -80,8 +80,7 @@ void ImageConversionPage::listFolder(const QString &path)
     for (const QFileInfo &file : folder.entryInfoList(QDir::Files | QDir::NoSymLinks))
         paths.append(file.absoluteFilePath());
     m_list.load(paths);
-    showList();
-    m_ui->pictureTable->setCurrentCell(0, 0);
+    showList(0);
 }
 
 void ImageConversionPage::on_deletePicture_clicked()
@@ -90,13 +89,13 @@ void ImageConversionPage::on_deletePicture_clicked()
     if (!m_list.has(row))
         return;
     m_list.remove(row);
-    showList();
+    showList(qMin(row, m_list.pictures().size() - 1));
 }
 
 void ImageConversionPage::on_deleteAllPicture_clicked()
 {
     m_list.clear();
-    showList();
+    showList(-1);
 }
 
 void ImageConversionPage::on_upPicture_clicked()
@@ -114,8 +113,7 @@ void ImageConversionPage::move(int rows)
     const int row = m_ui->pictureTable->currentRow();
     if (!m_list.exchange(row, row + rows))
         return;
-    showList();
-    m_ui->pictureTable->setCurrentCell(row + rows, 0);
+    showList(row + rows);
 }
 
 void ImageConversionPage::onHeaderClicked(int section)
@@ -126,18 +124,20 @@ void ImageConversionPage::onHeaderClicked(int section)
         m_list.sortByFirstByte();
     else
         return;
-    showList();
+    showList(m_ui->pictureTable->currentRow());
 }
 
-void ImageConversionPage::showList()
+void ImageConversionPage::showList(int row)
 {
+    const QSignalBlocker oneRedraw(m_ui->pictureTable);
     const QVector<ListedPicture> &pictures = m_list.pictures();
     m_ui->pictureTable->setRowCount(pictures.size());
-    for (int row = 0; row < pictures.size(); ++row) {
-        m_ui->pictureTable->setItem(row, 0, new QTableWidgetItem(pictures.at(row).number));
-        m_ui->pictureTable->setItem(row, 1, new QTableWidgetItem(pictures.at(row).name));
+    for (int i = 0; i < pictures.size(); ++i) {
+        m_ui->pictureTable->setItem(i, 0, new QTableWidgetItem(pictures.at(i).number));
+        m_ui->pictureTable->setItem(i, 1, new QTableWidgetItem(pictures.at(i).name));
     }
-    drawPreview(); // the current row may hold another picture now
+    m_ui->pictureTable->setCurrentCell(row, 0);
+    drawPreview();
 }
 
 void ImageConversionPage::on_pictureTable_clicked()
@@ -197,7 +197,7 @@ const QImage &ImageConversionPage::currentPicture()
 {
     const QString &path = m_list.pictures().at(m_ui->pictureTable->currentRow()).path;
     const QDateTime modified = QFileInfo(path).lastModified();
-    if (m_decoded.path != path || m_decoded.modified != modified || m_decoded.image.isNull())
+    if (m_decoded.path != path || m_decoded.modified != modified)
         m_decoded = {path, modified, picture::decode(readFile(path).value_or(QByteArray()))};
     return m_decoded.image;
 }

@@ -58,7 +58,8 @@ private:
     void listFolder(const QString &path);
     void onHeaderClicked(int section);
     void move(int rows);
-    void showList();
+    /// Shows the list with `row` as the current one.
+    void showList(int row);
     /// Of the current row; nothing when there is none, or no picture in its file.
     void drawPreview();
     /// The picture of the current row; decoded when it was not the current one before, or its file

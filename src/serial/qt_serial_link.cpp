@@ -35,6 +35,7 @@ void QtSerialLink::setBaudRate(int rate)
     // Going on at the old rate would hide that. A closed port takes any rate, and fails to open.
     m_port.close();
     m_port.setBaudRate(rate);
+    QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
 }
 
 bool QtSerialLink::open()

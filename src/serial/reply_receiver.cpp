@@ -11,7 +11,8 @@ namespace {
 constexpr int lengthOffset = 2;
 constexpr int commandOffset = 3;
 constexpr int bodyOffset = 4;
-constexpr int envelopeBytes = 3; // header pair and length byte: what the length does not count
+constexpr int addressedBytes = 3; // command, and address or page and address
+constexpr int envelopeBytes = 3;  // header pair and length byte: what the length does not count
 
 } // namespace
 
@@ -79,7 +80,8 @@ void ReplyReceiver::dispatch(int start)
     if (start + commandOffset >= m_buffer.size())
         return;
     const int body = start + bodyOffset;
-    const bool hasAddress = body + 1 < m_buffer.size(); // without it a reply tells nothing
+    // Without its address a reply tells nothing.
+    const bool hasAddress = byteAt(m_buffer, start + lengthOffset) >= addressedBytes;
     switch (byteAt(m_buffer, start + commandOffset)) {
     case command::writeRegister:
     case command::writeVp:

@@ -23,8 +23,8 @@ public:
 
     /// Takes effect at the next open(); an open link stays with its device.
     virtual void setPortName(const QString &name) = 0;
-    /// In bit/s; acts on an open link at once. A rate that the device refuses closes the link, and
-    /// keeps it from being opened.
+    /// In bit/s; acts on an open link at once. A rate that the device refuses closes the link,
+    /// which is lost() then, and keeps it from being opened.
     virtual void setBaudRate(int rate) = 0;
 
     /// Opens the port for reading and writing. False when it cannot be opened, and also when it is
@@ -44,6 +44,6 @@ public:
 
 signals:
     void readyRead();
-    /// The device behind the open link went away. The link is closed already.
+    /// The device behind the open link went away, or refused a rate. The link is closed already.
     void lost();
 };

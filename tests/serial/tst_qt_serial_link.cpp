@@ -107,9 +107,11 @@ private slots:
 
     void refusedRateIsNotPassedOver()
     {
+        QSignalSpy lost(m_link.get(), &SerialLink::lost);
         QVERIFY(m_link->open());
         m_link->setBaudRate(-1);
         QVERIFY(!m_link->isOpen());
+        COMPARE_SOON(lost.count(), 1);
         QVERIFY(!m_link->open());
         m_link->setBaudRate(9600);
         QVERIFY(m_link->open());

@@ -175,9 +175,9 @@ private slots:
         row("no count", "000000 5AA503830011", 0, 1, false, false);
         row("registers without count", "000000 5AA503810011", 1, 0, false, false);
         row("more registers than came", "5AA505810010FF 01", 1, 0, true, false);
-        row("no address", "000000 5AA50183", 0, 0, false, false);
-        row("half an address", "000000 5AA5028300", 0, 0, false, false);
-        row("registers without address", "000000 5AA5028100", 0, 0, false, false);
+        row("no address", "5AA50183 001100", 0, 0, false, false);
+        row("half an address", "5AA5028300 1100", 0, 0, false, false);
+        row("registers without address", "5AA5028100 1000", 0, 0, false, false);
         row("length 0", "5AA500 5AA500", 0, 0, false, false);
     }
 
