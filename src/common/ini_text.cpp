@@ -6,6 +6,37 @@ namespace {
 
 using Lines = QList<QByteArray>;
 
+/// The lines of `text` as QSettings reads them: a quote or a backslash can hold lines together, and
+/// behind a semicolon they cannot. What is still open at the end is closed there.
+Lines linesOf(const QByteArray &text)
+{
+    Lines lines;
+    QByteArray line;
+    bool isQuoted = false;
+    bool isComment = false;
+    for (int i = 0; i < text.size(); ++i) {
+        const char c = text.at(i);
+        if (c == '\n' && !isQuoted) {
+            lines.append(line);
+            line.clear();
+            isComment = false;
+            continue;
+        }
+        line += c;
+        if (isComment)
+            continue;
+        isComment = c == ';' && !isQuoted;
+        if (c == '"')
+            isQuoted = !isQuoted;
+        else if (c == '\\' && i + 1 < text.size())
+            line += text.at(++i);
+        else if (c == '\\')
+            line.chop(1);
+    }
+    lines.append(isQuoted ? line + '"' : line);
+    return lines;
+}
+
 /// Where a key stands, or where a new one of its group would.
 struct Place
 {
@@ -79,7 +110,7 @@ QByteArray lineOf(const Entry &entry)
 
 QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries)
 {
-    Lines lines = text.isEmpty() ? Lines() : text.split('\n');
+    Lines lines = text.isEmpty() ? Lines() : linesOf(text);
     for (const Entry &entry : entries) {
         const Place place = find(lines, entry.key);
         if (place.line >= 0) {
@@ -99,7 +130,7 @@ QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries)
 
 QString rawValue(const QByteArray &text, const QString &key)
 {
-    const Lines lines = text.split('\n');
+    const Lines lines = linesOf(text);
     const Place place = find(lines, key);
     if (place.line < 0)
         return {};
