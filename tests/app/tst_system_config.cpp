@@ -1,12 +1,8 @@
 #include "support/window_test.h"
 
-#include <QCheckBox>
-#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QRadioButton>
-#include <QSpinBox>
 #include <QtTest>
 
 /// Configuration files written and read through the real page.
@@ -15,76 +11,62 @@ class TestSystemConfig : public WindowTest
     Q_OBJECT
 
 private slots:
-    void newFilesHoldTheDefaults()
-    {
-        const QByteArray expected = QByteArray::fromHex("4B374431 00000000 38 0044");
-        QCOMPARE(written().toHex(), expected.leftJustified(128, '\0').toHex());
-    }
-
-    void everyControlReachesItsByte_data()
-    {
-        QTest::addColumn<QStringList>("controls"); // a number is set to 5, anything else is pressed
-        QTest::addColumn<int>("offset");
-        QTest::addColumn<QByteArray>("bytes");
-        const auto row = [](const char *controls, int offset, const char *hex) {
-            QTest::newRow(controls)
-                << QString(controls).split(' ') << offset << QByteArray::fromHex(hex);
-        };
-        row("flashFormatting", 4, "5AA5");
-        row("openCalibration rtcCalibration", 6, "0000");
-        row("autoUp", 8, "B8");
-        row("pageNumber128", 8, "78");
-        row("notLoad22File", 8, "18");
-        row("sdStatusClose", 8, "28");
-        row("touchVoiceClose", 8, "30");
-        row("touchLightOpen", 8, "3C");
-        row("displayDirection90", 8, "39");
-        row("displayDirection180", 8, "3A");
-        row("displayDirection270", 8, "3B");
-        row("baudRateSet", 9, "E800"); // 7833600 / 5, low 16 bits
-        row("openLightStandby normalLight", 11, "5A05000000");
-        row("openLightStandby standbyLight", 11, "5A00050000");
-        row("openLightStandby lightTime", 11, "5A00000005");
-        row("openConfiguration pclkRisingEdge", 16, "000000");
-        row("openBootSet bootPage", 32, "5A0005");
-        row("bootMusicSet bootMusicPosition", 35, "5A050000");
-        row("bootMusicSet bootMusicCount", 35, "5A000500");
-        row("bootMusicSet bootMusicVolume", 35, "5A000005");
-        row("openTouchScreenSet touchSensitivity", 39, "000000");
-        row("enableTconSet tconSetValue", 42, "5A05");
-        row("buzzerSoundBuzzer", 44, "80");
-        row("enableUartCrcOpen", 44, "40");
-        row("enableWatchDogOpen", 44, "20");
-        row("enableSynchronizationUpdateOpen", 44, "10");
-        row("sdCheckEnable libFileNumber", 48, "5AA505000000000000");
-        row("sdCheckEnable binFileNumber", 48, "5AA500050000000000");
-        row("sdCheckEnable dzkFileNumber", 48, "5AA500000500000000");
-        row("sdCheckEnable hzkFileNumber", 48, "5AA500000005000000");
-        row("sdCheckEnable icoFileNumber", 48, "5AA500000000050000");
-        row("sdCheckEnable wavFileNumber", 48, "5AA500000000000500");
-        row("sdCheckEnable bmpFileNumber", 48, "5AA500000000000005");
-        row("encryptionUnlock", 64, "5AAA");
-    }
-
     void everyControlReachesItsByte()
     {
-        QFETCH(const QStringList, controls);
-        QFETCH(const int, offset);
-        QFETCH(const QByteArray, bytes);
         QByteArray expected =
             QByteArray::fromHex("4B374431 00000000 38 0044").leftJustified(128, '\0');
-        for (const QString &control : controls) {
-            if (!find<QWidget>(control)->isEnabled()) {
-                find<QComboBox>("K7UIModel")->setCurrentText("K7UID2");
-                expected[3] = '2';
-            }
-            if (auto *box = m_dialog->findChild<QSpinBox *>(control))
-                box->setValue(5);
-            else
-                press(control);
-        }
-        expected.replace(offset, bytes.size(), bytes);
         QCOMPARE(written().toHex(), expected.toHex());
+        // Each after the ones before. A number is set to its place in the row, a layout is chosen,
+        // anything else pressed.
+        const struct
+        {
+            const char *controls;
+            int offset;
+            const char *bytes;
+        } steps[] = {
+            {"flashFormatting", 4, "5AA5"},
+            {"openCalibration rtcCalibration", 6, "0000"},
+            {"autoUp", 8, "B8"},
+            {"pageNumber128", 8, "F8"},
+            {"notLoad22File", 8, "D8"},
+            {"sdStatusClose", 8, "C8"},
+            {"touchVoiceClose", 8, "C0"},
+            {"touchLightOpen", 8, "C4"},
+            {"displayDirection90", 8, "C5"},
+            {"displayDirection180", 8, "C6"},
+            {"displayDirection270", 8, "C7"},
+            {"baudRateSet", 9, "8800"}, // 7833600, low 16 bits
+            {"openLightStandby normalLight standbyLight lightTime", 11, "5A02030004"},
+            {"openConfiguration pclkRisingEdge", 16, "000000"},
+            {"openBootSet bootPage", 32, "5A0002"},
+            {"bootMusicSet bootMusicPosition bootMusicCount bootMusicVolume", 35, "5A020304"},
+            {"openTouchScreenSet touchSensitivity", 39, "000000"},
+            {"buzzerSoundBuzzer", 44, "80"},
+            {"enableUartCrcOpen", 44, "C0"},
+            {"enableWatchDogOpen", 44, "E0"},
+            {"enableSynchronizationUpdateOpen", 44, "F0"},
+            {"K7UID2", 3, "32"},
+            {"enableTconSet tconSetValue", 42, "5A02"},
+            {"sdCheckEnable libFileNumber binFileNumber dzkFileNumber hzkFileNumber "
+             "icoFileNumber wavFileNumber bmpFileNumber",
+             48, "5AA502030405060708"},
+            {"encryptionUnlock", 64, "5AAA"},
+        };
+        for (const auto &[controls, offset, hex] : steps) {
+            int place = 0;
+            for (const QString &control : QString(controls).split(' ')) {
+                ++place;
+                if (m_dialog->findChild<QSpinBox *>(control))
+                    set(control, place);
+                else if (control.startsWith("K7"))
+                    select("K7UIModel", control);
+                else
+                    click(control);
+            }
+            const QByteArray bytes = QByteArray::fromHex(hex);
+            expected.replace(offset, bytes.size(), bytes);
+            QVERIFY2(written() == expected, controls);
+        }
     }
 
     void filesAreReadIntoTheControls()
@@ -100,35 +82,19 @@ private slots:
         put(80, "00FF");
         choose("openCfgFile", {write("read.CFG", file)});
         QCOMPARE(m_boxes->texts, QStringList());
-        QCOMPARE(find<QComboBox>("K7UIModel")->currentText(), QString("K7UID2"));
-        for (const char *button : {"flashFormatting",
-                                   "openCalibration",
-                                   "rtcCalibration",
-                                   "autoUp",
-                                   "pageNumber128",
-                                   "notLoad22File",
-                                   "sdStatusClose",
-                                   "touchVoiceClose",
-                                   "touchLightOpen",
-                                   "displayDirection270",
-                                   "openLightStandby",
-                                   "openBootSet",
-                                   "bootMusicSet",
-                                   "openTouchScreenSet",
-                                   "capacitanceTouch",
-                                   "touchXmaxToMin",
-                                   "touchYmaxToMin",
-                                   "touchExchangeYX",
-                                   "enableTconSet",
-                                   "buzzerSoundBuzzer",
-                                   "enableUartCrcClose",
-                                   "enableWatchDogOpen",
-                                   "enableSynchronizationUpdateOpen",
-                                   "sdCheckEnable",
-                                   "encryptionLock"})
-            QVERIFY2(isChecked(button), button);
+        QCOMPARE(layout(), QString("K7UID2"));
+        for (const QString &button :
+             QString("flashFormatting openCalibration rtcCalibration autoUp pageNumber128 "
+                     "notLoad22File sdStatusClose touchVoiceClose touchLightOpen "
+                     "displayDirection270 openLightStandby openBootSet bootMusicSet "
+                     "openTouchScreenSet capacitanceTouch touchXmaxToMin touchYmaxToMin "
+                     "touchExchangeYX enableTconSet buzzerSoundBuzzer enableUartCrcClose "
+                     "enableWatchDogOpen enableSynchronizationUpdateOpen sdCheckEnable "
+                     "encryptionLock")
+                 .split(' '))
+            QVERIFY2(isChecked(button), qPrintable(button));
         QVERIFY(!isChecked("openConfiguration"));
-        const QMap<QString, int> numbers{
+        const std::pair<const char *, int> numbers[] = {
             {"baudRateSet", 9600}, {"normalLight", 10},    {"standbyLight", 11},
             {"lightTime", 0x0C0D}, {"bootPage", 0x0102},   {"bootMusicPosition", 3},
             {"bootMusicCount", 4}, {"bootMusicVolume", 5}, {"touchSensitivity", 9},
@@ -136,10 +102,10 @@ private slots:
             {"dzkFileNumber", 3},  {"hzkFileNumber", 4},   {"icoFileNumber", 5},
             {"wavFileNumber", 6},  {"bmpFileNumber", 7},
         };
-        for (auto number = numbers.begin(); number != numbers.end(); ++number)
-            QCOMPARE(value(number.key()), number.value());
-        QCOMPARE(find<QLineEdit>("encryptionFolderName")->text(), QString("abc"));
-        QCOMPARE(find<QLineEdit>("encryptionKey")->text(), "00 ff " + QString("00 ").repeated(30));
+        for (const auto &[box, number] : numbers)
+            QVERIFY2(value(box) == number, box);
+        QCOMPARE(line("encryptionFolderName"), QString("abc"));
+        QCOMPARE(line("encryptionKey"), "00 ff " + QString("00 ").repeated(30));
         // The divisor 0x0088 reads as a negative rate, which the box clamps.
         put(9, "0088");
         choose("openCfgFile", {write("negative.CFG", file)});
@@ -153,8 +119,8 @@ private slots:
         QByteArray old(200, '\x11');
         old.replace(0, 9, QByteArray::fromHex("4B374433 00000000 80"));
         choose("openCfgFile", {write("old.CFG", old)});
-        press("notAutoUp");
-        press("sdStatusClose");
+        click("notAutoUp");
+        click("sdStatusClose");
         set("baudRateSet", 115200);
         QByteArray expected = old;
         expected.replace(8, 3, QByteArray::fromHex("80 0044"));
@@ -164,15 +130,7 @@ private slots:
     void longerFilesKeepTheirEnd()
     {
         const QString path = write("long.CFG", QByteArray(300, 'x'));
-        // The dialog asks before it replaces a file; the person agrees.
-        QTimer agree;
-        connect(&agree, &QTimer::timeout, this, [] {
-            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget()))
-                box->button(QMessageBox::Yes)->click();
-        });
-        m_boxes->answers = false;
-        agree.start(5);
-        choose("createCfgFile", {path});
+        chooseOverOldFile("createCfgFile", path);
         QCOMPARE(content(path).left(3), QByteArray("K7D"));
         QCOMPARE(content(path).mid(128), QByteArray(172, 'x'));
         choose("createCfgFile", {});
@@ -181,7 +139,7 @@ private slots:
 
     void badLocksAreWrittenAsTheyWere()
     {
-        press("encryptionLock");
+        click("encryptionLock");
         find<QLineEdit>("encryptionFolderName")->setText("123456789");
         QCOMPARE(written(), QByteArray(128, '\0'));
         find<QLineEdit>("encryptionFolderName")->setText("12345678");
@@ -195,20 +153,19 @@ private slots:
     void filesThatAreNoneChangeNothing()
     {
         choose("openCfgFile", {write("good.CFG", "K7D2")});
-        QCOMPARE(find<QComboBox>("K7UIModel")->currentText(), QString("K7UID2"));
+        QCOMPARE(layout(), QString("K7UID2"));
         choose("openCfgFile", {write("bad.CFG", "K7C1")});
         choose("openCfgFile", {});
         QCOMPARE(m_boxes->texts, QStringList{"The file is not the correct CFG file !"});
-        QCOMPARE(find<QComboBox>("K7UIModel")->currentText(), QString("K7UID2"));
+        QCOMPARE(layout(), QString("K7UID2"));
         QCOMPARE(written("addCfgFile").left(4), QByteArray("K7D2"));
     }
 
     void layoutsOfferTheirSizes()
     {
-        auto *layouts = find<QComboBox>("K7UIModel");
         auto *sizes = find<QComboBox>("K7UISize");
         QCOMPARE(sizes->currentText(), QString("2.4_240*320"));
-        layouts->setCurrentText("K7UID3");
+        select("K7UIModel", "K7UID3");
         QCOMPARE(sizes->count(), 4);
         QCOMPARE(sizes->currentText(), QString("1024*600"));
         QVERIFY(isChecked("pclkRisingEdge"));
@@ -216,7 +173,7 @@ private slots:
             QVERIFY(!find<QGroupBox>(group)->isEnabled());
         QVERIFY(!find<QRadioButton>("rtcCalibration")->isEnabled());
         QVERIFY(find<QGroupBox>("tconSet")->isEnabled());
-        layouts->setCurrentText("K7UID1");
+        select("K7UIModel", "K7UID1");
         QCOMPARE(sizes->count(), 7);
         QVERIFY(isChecked("pclkFallingEdge"));
         QVERIFY(find<QGroupBox>("buzzerSound")->isEnabled());
@@ -225,7 +182,7 @@ private slots:
 
     void sizesChooseTheirEdge()
     {
-        find<QComboBox>("K7UIModel")->setCurrentText("K7UID3");
+        select("K7UIModel", "K7UID3");
         auto *sizes = find<QComboBox>("K7UISize");
         for (const auto &[key, button] : {std::pair(Qt::Key_Down, "pclkFallingEdge"),
                                           {Qt::Key_End, "pclkRisingEdge"},
@@ -281,11 +238,12 @@ private slots:
         QVERIFY(QFile::link(m_folder->filePath("1.bin"), m_folder->filePath("3.bin")));
         set("wavFileNumber", 9);
         choose("openZoltsetFolder", {m_folder->path()});
-        QCOMPARE(find<QLineEdit>("displayZoltsetPath")->text(), m_folder->path());
-        const QMap<QString, int> counts{{"lib", 1}, {"bin", 2}, {"dzk", 3}, {"hzk", 1},
-                                        {"ico", 1}, {"wav", 1}, {"bmp", 0}};
-        for (auto count = counts.begin(); count != counts.end(); ++count)
-            QCOMPARE(value(count.key() + "FileNumber"), count.value());
+        QCOMPARE(line("displayZoltsetPath"), m_folder->path());
+        const std::pair<const char *, int> counts[] = {
+            {"lib", 1}, {"bin", 2}, {"dzk", 3}, {"hzk", 1}, {"ico", 1}, {"wav", 1}, {"bmp", 0},
+        };
+        for (const auto &[suffix, count] : counts)
+            QVERIFY2(value(suffix + QString("FileNumber")) == count, suffix);
         choose("openZoltsetFolder", {});
         QCOMPARE(value("binFileNumber"), 2);
     }
@@ -298,7 +256,7 @@ private:
         choose(button, {path});
         return content(path + ".CFG");
     }
-    void press(const QString &button) { find<QAbstractButton>(button)->click(); }
+    QString layout() { return find<QComboBox>("K7UIModel")->currentText(); }
     QColor labelColor()
     {
         return find<QLabel>("textExplainLabel")->palette().color(QPalette::WindowText);

@@ -85,8 +85,8 @@ private slots:
     {
         const auto frames = builder();
         QCOMPARE(frames->buildCurveFrame(), hex("5AA5 02 84 00"));
-        frames->setCurveSamples(0, {1, 2, 3, 4, 5});
-        frames->setCurveSamples(3, {0x1122, 0x3344});
+        frames->setCurveSamples(0, {1, 2});
+        frames->setCurveSamples(3, {0x1122, 0x3344, 5});
         frames->setCurveSamples(4, {9, 9});
         frames->setCurveSamples(8, {1});
         frames->setCurveChannelMask(0x09);

@@ -86,6 +86,21 @@ protected:
         chooseInNextDialog(paths);
         click(button);
     }
+    /// The same for a file that is there already: the dialog asks before it replaces it, and the
+    /// person agrees.
+    void chooseOverOldFile(const QString &button, const QString &path)
+    {
+        QTimer agree;
+        connect(&agree, &QTimer::timeout, this, [] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (box && box->button(QMessageBox::Yes))
+                box->button(QMessageBox::Yes)->click();
+        });
+        m_boxes->answers = false;
+        agree.start(1);
+        choose(button, {path});
+        m_boxes->answers = true;
+    }
     /// The path of a new file in a folder that goes with the window.
     QString write(const QString &name, const QByteArray &content)
     {
