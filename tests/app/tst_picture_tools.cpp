@@ -1,16 +1,12 @@
 #include "font/zero_font.h"
 #include "support/window_test.h"
 
-#include <QComboBox>
 #include <QFontDialog>
 #include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
 #include <QScrollBar>
-#include <QSettings>
-#include <QSpinBox>
 #include <QTabWidget>
-#include <QTableWidget>
 #include <QtTest>
 
 /// The picture list with its preview and conversion, and the zero font, in the real window.
@@ -21,51 +17,44 @@ class TestPictureTools : public WindowTest
 private slots:
     void foldersAreListed()
     {
-        openTab(5);
         picture("10.png", Qt::red);
         picture("3b.png", Qt::red);
         write("a.txt", "listed all the same");
         QVERIFY(QDir(m_folder->path()).mkdir("folder"));
         QVERIFY(QFile::link(m_folder->filePath("10.png"), m_folder->filePath("link.png")));
-        choose("addPicture", {m_folder->path()});
-        QCOMPARE(column(1), QStringList({"10.png", "3b.png", "a.txt"}));
-        QCOMPARE(column(0), QStringList({"10", "3", "4"}));
+        listFolder();
+        QCOMPARE(names(), QStringList({"10.png", "3b.png", "a.txt"}));
+        QCOMPARE(column("pictureTable", 0), QStringList({"10", "3", "4"}));
         QCOMPARE(currentRow(), 0);
         choose("addPicture", {});
-        QCOMPARE(column(1).size(), 3);
+        QCOMPARE(names().size(), 3);
         choose("addPicture", {m_folder->filePath("folder")});
-        QCOMPARE(column(1).size(), 0);
+        QCOMPARE(names().size(), 0);
         m_dialog.reset();
-        const QSettings settings(QCoreApplication::applicationDirPath() + "/SystemConfig.ini",
-                                 QSettings::IniFormat);
-        QCOMPARE(settings.value("DefaultPath/imageDefaultPath").toString(),
-                 m_folder->filePath("folder"));
+        QCOMPARE(stored("DefaultPath/imageDefaultPath").toString(), m_folder->filePath("folder"));
     }
 
     void rowsAreMovedDeletedAndSorted()
     {
-        openTab(5);
         for (const char *name : {"1_b.png", "2_a.png", "3_c.png"})
             picture(name, Qt::red);
-        choose("addPicture", {m_folder->path()});
+        listFolder();
         click("upPicture");
         QCOMPARE(currentRow(), 0);
         clickRow(2);
         click("downPicture");
         click("upPicture");
         QCOMPARE(currentRow(), 1);
-        QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
-        QCOMPARE(column(0), QStringList({"1", "2", "3"}));
+        QCOMPARE(names(), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
         clickHeader(1);
-        QCOMPARE(column(1), QStringList({"1_b.png", "2_a.png", "3_c.png"}));
-        QCOMPARE(column(0), QStringList({"1", "3", "2"}));
+        QCOMPARE(names(), QStringList({"1_b.png", "2_a.png", "3_c.png"}));
         clickHeader(0);
-        QCOMPARE(column(1), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
+        QCOMPARE(names(), QStringList({"1_b.png", "3_c.png", "2_a.png"}));
         clickRow(0);
         click("deletePicture");
-        QCOMPARE(column(1), QStringList({"3_c.png", "2_a.png"}));
+        QCOMPARE(names(), QStringList({"3_c.png", "2_a.png"}));
         click("deleteAllPicture");
-        QCOMPARE(column(1), QStringList());
+        QCOMPARE(names(), QStringList());
         click("deletePicture");
         choose("imagesConversion", {m_folder->path()});
         QCOMPARE(m_boxes->texts, QStringList());
@@ -73,20 +62,18 @@ private slots:
 
     void currentPictureIsShown()
     {
-        openTab(5);
         picture("1.png", Qt::red);
         picture("2.png", Qt::blue);
         write("3.png", "no picture");
-        auto *screen = find<QComboBox>("pictureSrceen");
-        screen->addItem("1000X300");
-        screen->setCurrentText("1000X300");
-        choose("addPicture", {m_folder->path()});
+        find<QComboBox>("pictureSrceen")->addItems({"1000X300", "nonsense", "0X0"});
+        select("pictureSrceen", "1000X300");
+        listFolder();
         QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
         QCOMPARE(shown(0, 299), qRgb(255, 0, 0));
         QCOMPARE(shown(0, 300), qRgb(128, 128, 128));
         const QSize label = find<QLabel>("pictureLabel")->size();
-        QCOMPARE(find<QScrollBar>("pictureHorizontal")->maximum(), 1000 - label.width());
-        QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 0);
+        QCOMPARE(scroll("pictureHorizontal")->maximum(), 1000 - label.width());
+        QCOMPARE(scroll("pictureVertical")->maximum(), 0);
         clickRow(1);
         QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
         // What cannot be decoded shows nothing.
@@ -104,40 +91,38 @@ private slots:
         clickHeader(1);
         QVERIFY(isNothingShown());
         clickRow(0);
-        find<QComboBox>("scaleMultiple")->setCurrentText("400%");
-        QCOMPARE(find<QScrollBar>("pictureVertical")->maximum(), 1200 - label.height());
-        find<QScrollBar>("pictureVertical")->setValue(9999);
-        QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 1200 - label.height());
-        find<QComboBox>("scaleMultiple")->setCurrentText("10%");
-        QCOMPARE(find<QScrollBar>("pictureVertical")->value(), 0);
+        select("scaleMultiple", "400%");
+        QCOMPARE(scroll("pictureVertical")->maximum(), 1200 - label.height());
+        scroll("pictureVertical")->setValue(9999);
+        QCOMPARE(scroll("pictureVertical")->value(), 1200 - label.height());
+        select("scaleMultiple", "10%");
+        QCOMPARE(scroll("pictureVertical")->value(), 0);
         QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
         QCOMPARE(shown(100, 29), qRgb(128, 128, 128));
         // A size that is none shows nothing of the picture, a text without an X changes nothing.
-        screen->addItems({"nonsense", "0X0"});
-        screen->setCurrentText("nonsense");
+        select("pictureSrceen", "nonsense");
         QCOMPARE(shown(99, 29), qRgb(255, 0, 0));
-        screen->setCurrentText("0X0");
+        select("pictureSrceen", "0X0");
         QCOMPARE(shown(0, 0), qRgb(128, 128, 128));
     }
 
     void slidersMoveThePicture()
     {
-        openTab(5);
         QImage quarters(2, 2, QImage::Format_RGB32);
         quarters.fill(Qt::red);
         quarters.setPixelColor(1, 0, Qt::green);
         quarters.setPixelColor(0, 1, Qt::blue);
-        QVERIFY(quarters.save(m_folder->filePath("1.png")));
+        writePicture("1.png", quarters);
         picture("2.png", Qt::yellow);
-        choose("addPicture", {m_folder->path()});
-        find<QComboBox>("pictureSrceen")->setCurrentText("1024X768");
-        find<QComboBox>("scaleMultiple")->setCurrentText("200%");
+        listFolder();
+        select("pictureSrceen", "1024X768");
+        select("scaleMultiple", "200%");
         QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
-        find<QScrollBar>("pictureHorizontal")->setValue(1024);
+        scroll("pictureHorizontal")->setValue(1024);
         QCOMPARE(shown(0, 0), qRgb(0, 255, 0));
-        find<QScrollBar>("pictureHorizontal")->setValue(1023);
+        scroll("pictureHorizontal")->setValue(1023);
         QCOMPARE(shown(0, 0), qRgb(255, 0, 0));
-        find<QScrollBar>("pictureVertical")->setValue(768);
+        scroll("pictureVertical")->setValue(768);
         QCOMPARE(shown(0, 0), qRgb(0, 0, 255));
         click("deletePicture");
         QCOMPARE(shown(0, 0), qRgb(255, 255, 0));
@@ -145,9 +130,8 @@ private slots:
 
     void changedPicturesAreShownAnew()
     {
-        openTab(5);
         picture("1.png", Qt::red);
-        choose("addPicture", {m_folder->path()});
+        listFolder();
         picture("1.png", Qt::green);
         QFile file(m_folder->filePath("1.png"));
         QVERIFY(file.open(QIODevice::ReadWrite));
@@ -159,11 +143,10 @@ private slots:
 
     void picturesAreConverted()
     {
-        openTab(5);
         picture("4_logo.final.png", Qt::red);
         picture("b.jpg", Qt::blue);
         write("c.png", "no picture");
-        choose("addPicture", {m_folder->path()});
+        listFolder();
         const QTemporaryDir out;
         choose("imagesConversion", {});
         QCOMPARE(m_boxes->texts, QStringList());
@@ -172,7 +155,7 @@ private slots:
         QCOMPARE(QDir(out.path()).entryList(QDir::Files), QStringList({"4_logo.bmp", "b.bmp"}));
         // The size that the combo shows from the start.
         QCOMPARE(QImage(out.filePath("b.bmp")).size(), QSize(480, 272));
-        find<QComboBox>("pictureSrceen")->setCurrentText("320X240");
+        select("pictureSrceen", "320X240");
         m_dialog->selectLanguage("中文");
         choose("reNameImageConversion", {out.path()});
         QCOMPARE(m_boxes->texts.last(), QString("图片转换完成！"));
@@ -187,18 +170,16 @@ private slots:
         QVector<int> progress;
         connect(find<QProgressBar>("progressBar"), &QProgressBar::valueChanged, this,
                 [&progress](int percent) { progress.append(percent); });
-        find<QSpinBox>("horScale")->setValue(-3);
+        set("horScale", -3);
         click("CreatZeroFont");
         QCOMPARE(m_boxes->texts, QStringList{"Creat finish！"});
         QCOMPARE(progress.last(), 100);
         QCOMPARE(progress.size(), 60); // 0 stood there already
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
         GlyphStyle style;
         style.font = QFont("宋体", 8);
         style.horScale = -3;
-        QVERIFY(file.readAll() == zeroFont::make(style, [](int) {}));
-        QVERIFY(file.remove());
+        QVERIFY(content(path) == zeroFont::make(style, [](int) {}));
+        QVERIFY(QFile::remove(path));
     }
 
     void zeroFontFollowsItsSettings()
@@ -210,14 +191,14 @@ private slots:
             return QPixmap::fromImage(zeroFont::preview(text, style)).toImage();
         };
         QVERIFY(fontPreview() == expected("A"));
-        find<QComboBox>("comboBox")->setCurrentText("g");
+        select("comboBox", "g");
         QVERIFY(fontPreview() == expected("g"));
         for (const auto &[box, value] : {std::pair("horScale", &GlyphStyle::horScale),
                                          {"verScale", &GlyphStyle::verScale},
                                          {"horShift", &GlyphStyle::horShift},
                                          {"verShift", &GlyphStyle::verShift}}) {
             style.*value += 3;
-            find<QSpinBox>(box)->setValue(style.*value);
+            set(box, style.*value);
             QVERIFY2(fontPreview() == expected("g"), box);
         }
         const auto answer = [](auto choose) {
@@ -242,14 +223,7 @@ private slots:
     }
 
 private:
-    QStringList column(int column)
-    {
-        auto *table = find<QTableWidget>("pictureTable");
-        QStringList texts;
-        for (int row = 0; row < table->rowCount(); ++row)
-            texts.append(table->item(row, column)->text());
-        return texts;
-    }
+    QStringList names() { return column("pictureTable", 1); }
     void clickRow(int row)
     {
         auto *table = find<QTableWidget>("pictureTable");
@@ -274,8 +248,13 @@ private:
     {
         return find<QLabel>("fontDisplay")->pixmap(Qt::ReturnByValue).toImage();
     }
+    QScrollBar *scroll(const QString &name) { return find<QScrollBar>(name); }
     int currentRow() { return find<QTableWidget>("pictureTable")->currentRow(); }
-    void openTab(int index) { find<QTabWidget>("tabWidget")->setCurrentIndex(index); }
+    void listFolder()
+    {
+        find<QTabWidget>("tabWidget")->setCurrentIndex(5);
+        choose("addPicture", {m_folder->path()});
+    }
 };
 
 QTEST_MAIN(TestPictureTools)

@@ -1,3 +1,4 @@
+#include "common/replace_file.h"
 #include "imaging/picture_conversion.h"
 #include "imaging/picture_list.h"
 #include "imaging/picture_preview.h"
@@ -50,34 +51,30 @@ class TestPictures : public QObject
     Q_OBJECT
 
 private slots:
-    void numbersFollowTheNames_data()
-    {
-        QTest::addColumn<QStringList>("names");
-        QTest::addColumn<QStringList>("numbers");
-        const auto row = [](const char *title, const QStringList &names,
-                            const QStringList &numbers) {
-            QTest::newRow(title) << names << numbers;
-        };
-        row("counted on", {"5_a.png", "b.png", "c.png"}, {"5", "6", "7"});
-        row("leading zeros", {"007x.bmp", "y.bmp"}, {"007", "8"});
-        row("from one", {"a", "b"}, {"1", "2"});
-        row("back again", {"10.png", "a.png", "3b.png", "c"}, {"10", "11", "3", "4"});
-        row("nothing but digits", {"12", "13"}, {"1", "2"});
-        row("as large as it gets", {"18446744073709551615.png", "a"},
-            {"18446744073709551615", "0"});
-        row("too large", {"99999999999999999999.png", "a"}, {"99999999999999999999", "1"});
-    }
-
     void numbersFollowTheNames()
     {
-        QFETCH(const QStringList, names);
-        QStringList paths;
-        for (const QString &name : names)
-            paths.append("/3/" + name);
-        const PictureList list = listOf(paths);
-        QTEST(numbersOf(list), "numbers");
-        QCOMPARE(namesOf(list), names);
-        QCOMPARE(list.pictures().at(0).path, paths.at(0));
+        const struct
+        {
+            QStringList names;
+            QStringList numbers;
+        } cases[] = {
+            {{"5_a.png", "b.png", "c.png"}, {"5", "6", "7"}},
+            {{"007x.bmp", "y.bmp"}, {"007", "8"}},
+            {{"a", "b"}, {"1", "2"}},
+            {{"10.png", "a.png", "3b.png", "c"}, {"10", "11", "3", "4"}},
+            {{"12", "13"}, {"1", "2"}}, // nothing but digits
+            {{"18446744073709551615.png", "a"}, {"18446744073709551615", "0"}},
+            {{"99999999999999999999.png", "a"}, {"99999999999999999999", "1"}}, // too large
+        };
+        for (const auto &[names, numbers] : cases) {
+            QStringList paths;
+            for (const QString &name : names)
+                paths.append("/3/" + name);
+            const PictureList list = listOf(paths);
+            QCOMPARE(numbersOf(list), numbers);
+            QCOMPARE(namesOf(list), names);
+            QCOMPARE(list.pictures().at(0).path, paths.at(0));
+        }
     }
 
     void picturesMoveAndNumbersStay()
@@ -113,45 +110,40 @@ private slots:
         QCOMPARE(namesOf(foreign).first(), QString(isKnown || '?' < 'a' ? "图" : "a"));
     }
 
-    void previewsAreAsTheyAreDefined_data()
-    {
-        QTest::addColumn<QImage>("picture");
-        QTest::addColumn<QSize>("screen");
-        QTest::addColumn<int>("percent");
-        QTest::addColumn<QPoint>("offset");
-        const QSize screen(48, 27);
-        QTest::newRow("smaller than the canvas") << chart(30, 20) << screen << 50 << QPoint();
-        QTest::newRow("wider") << chart(30, 20) << QSize(90, 20) << 100 << QPoint(13, 0);
-        QTest::newRow("larger") << chart(100, 70) << screen << 400 << QPoint(50, 40);
-        QTest::newRow("to the edge") << chart(100, 70) << screen << 400 << QPoint(132, 68);
-        QTest::newRow("alpha") << chart(50, 50, QImage::Format_ARGB32) << screen << 125 << QPoint();
-        QTest::newRow("palette") << chart(50, 50, QImage::Format_Indexed8) << screen << 150
-                                 << QPoint(3, 0);
-        QTest::newRow("24 bits") << chart(50, 50, QImage::Format_RGB888) << screen << 99
-                                 << QPoint();
-    }
-
     void previewsAreAsTheyAreDefined()
     {
-        QFETCH(const QImage, picture);
-        QFETCH(const QSize, screen);
-        QFETCH(const int, percent);
-        QFETCH(const QPoint, offset);
+        const QSize small(48, 27);
+        const struct
+        {
+            QImage picture;
+            QSize screen;
+            int percent;
+            QPoint offset;
+        } cases[] = {
+            {chart(30, 20), small, 50, {}}, // smaller than the canvas
+            {chart(30, 20), {90, 20}, 100, {13, 0}},
+            {chart(100, 70), small, 400, {50, 40}},
+            {chart(100, 70), small, 400, {132, 68}}, // to the edge
+            {chart(50, 50, QImage::Format_ARGB32), small, 125, {}},
+            {chart(50, 50, QImage::Format_Indexed8), small, 150, {3, 0}},
+            {chart(50, 50, QImage::Format_RGB888), small, 99, {}},
+        };
         const QSize canvas(60, 40);
-        const int w = screen.width() * percent / 100;
-        const int h = screen.height() * percent / 100;
-        const QImage scaled = picture.scaled(w, h, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-        const PicturePreview preview = drawPreview(picture, screen, percent, offset, canvas);
-        QCOMPARE(preview.maxX, w > 60 ? w - 60 : 0);
-        QCOMPARE(preview.maxY, h > 40 ? h - 40 : 0);
-        QCOMPARE(preview.canvas.size(), canvas);
-        for (int y = 0; y < 40; ++y)
-            for (int x = 0; x < 60; ++x) {
-                const bool isInside = x + offset.x() < w && y + offset.y() < h;
-                const QRgb expected =
-                    isInside ? scaled.pixel(x + offset.x(), y + offset.y()) : qRgb(128, 128, 128);
-                QCOMPARE(preview.canvas.pixel(x, y) & 0xFFFFFF, expected & 0xFFFFFF);
-            }
+        for (const auto &[picture, screen, percent, offset] : cases) {
+            const int w = screen.width() * percent / 100;
+            const int h = screen.height() * percent / 100;
+            const QImage scaled =
+                picture.scaled(w, h, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+            QImage expected(canvas, QImage::Format_RGB32);
+            expected.fill(qRgb(128, 128, 128));
+            for (int y = 0; y < qMin(40, h - offset.y()); ++y)
+                for (int x = 0; x < qMin(60, w - offset.x()); ++x)
+                    expected.setPixel(x, y, scaled.pixel(x + offset.x(), y + offset.y()));
+            const PicturePreview preview = drawPreview(picture, screen, percent, offset, canvas);
+            QCOMPARE(preview.maxX, w > 60 ? w - 60 : 0);
+            QCOMPARE(preview.maxY, h > 40 ? h - 40 : 0);
+            QCOMPARE(preview.canvas.convertToFormat(QImage::Format_RGB32), expected);
+        }
     }
 
     void hugePreviewsAreLookedUp()
@@ -181,23 +173,14 @@ private slots:
         }
     }
 
-    void outputsAreNamedAfterTheirPictures_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("isRenamed");
-        QTest::addColumn<QString>("output");
-        QTest::newRow("first dot") << "logo.final.png" << false << "/out/logo.bmp";
-        QTest::newRow("renamed") << "logo.final.png" << true << "/out/012_logo.bmp";
-        QTest::newRow("no dot") << "logo" << false << "/out/logo.bmp";
-        QTest::newRow("hidden") << ".logo.png" << true << "/out/012_.bmp";
-    }
-
     void outputsAreNamedAfterTheirPictures()
     {
-        QFETCH(const QString, name);
-        QFETCH(const bool, isRenamed);
-        QTEST(pictureConversion::outputPath({"012", name, "/in/" + name}, "/out", isRenamed),
-              "output");
+        using pictureConversion::outputPath;
+        const ListedPicture logo{"012", "logo.final.png", "/in/logo.final.png"};
+        QCOMPARE(outputPath(logo, "/out", false), QString("/out/logo.bmp"));
+        QCOMPARE(outputPath(logo, "/out", true), QString("/out/012_logo.bmp"));
+        QCOMPARE(outputPath({"1", "logo", "/logo"}, "/out", false), QString("/out/logo.bmp"));
+        QCOMPARE(outputPath({"1", ".a.png", "/.a.png"}, "/out", true), QString("/out/1_.bmp"));
     }
 
     void batchesDoNotTouchEachOther()
@@ -232,10 +215,7 @@ private slots:
                                            {"4.png", "JPG"},
                                            {"5", "PNG"}})
             QVERIFY(picture.save(folder.filePath(name), format));
-        QFile broken(folder.filePath("6.png"));
-        QVERIFY(broken.open(QIODevice::WriteOnly));
-        broken.write("no picture");
-        broken.close();
+        QVERIFY(replaceFile(folder.filePath("6.png"), "no picture"));
         QVERIFY(QDir(folder.path()).mkdir("out"));
         for (const char *name : {"1.png", "6.png", "2.bmp", "7_missing.png", "3.jpg", "4.png", "5"})
             pictureConversion::run(
@@ -249,22 +229,14 @@ private slots:
             const QImage converted(folder.filePath("out/" + QString(name) + ".bmp"), "BMP");
             QCOMPARE(converted.convertToFormat(QImage::Format_RGB32), expected);
         }
-    }
-
-    void lastPictureOfAnOutputWins()
-    {
-        const QTemporaryDir folder;
-        for (const auto &[name, color] : {std::pair("a.png", Qt::red), {"b.png", Qt::blue}}) {
-            QImage image(4, 4, QImage::Format_RGB32);
-            image.fill(color);
-            QVERIFY(image.save(folder.filePath(name)));
-        }
-        const QString output = folder.filePath("out.bmp");
-        pictureConversion::run({{folder.filePath("a.png"), output},
-                                {folder.filePath("b.png"), output},
+        // The last picture of an output wins.
+        QVERIFY(chart(4, 4).save(folder.filePath("8.png")));
+        const QString output = folder.filePath("8.bmp");
+        pictureConversion::run({{folder.filePath("1.png"), output},
+                                {folder.filePath("8.png"), output},
                                 {folder.filePath("none.png"), output}},
-                               QSize(2, 2));
-        QCOMPARE(QImage(output).pixel(0, 0), qRgb(0, 0, 255));
+                               QSize(4, 4));
+        QCOMPARE(QImage(output).convertToFormat(QImage::Format_RGB32), chart(4, 4));
     }
 
     void sizesWithoutPixelsConvertNothing()
