@@ -184,22 +184,22 @@ private slots:
 
     void zeroFontFollowsItsSettings()
     {
-        runEventLoopUntil([this] { return !fontPreview().isNull(); });
+        runEventLoopUntil([this] { return !shownBy("fontDisplay").isNull(); });
         GlyphStyle style;
         style.font = QFont("宋体", 8);
         const auto expected = [&style](const QString &text) {
             return QPixmap::fromImage(zeroFont::preview(text, style)).toImage();
         };
-        QVERIFY(fontPreview() == expected("A"));
+        QVERIFY(shownBy("fontDisplay") == expected("A"));
         select("comboBox", "g");
-        QVERIFY(fontPreview() == expected("g"));
+        QVERIFY(shownBy("fontDisplay") == expected("g"));
         for (const auto &[box, value] : {std::pair("horScale", &GlyphStyle::horScale),
                                          {"verScale", &GlyphStyle::verScale},
                                          {"horShift", &GlyphStyle::horShift},
                                          {"verShift", &GlyphStyle::verShift}}) {
             style.*value += 3;
             set(box, style.*value);
-            QVERIFY2(fontPreview() == expected("g"), box);
+            QVERIFY2(shownBy("fontDisplay") == expected("g"), box);
         }
         const auto answer = [](auto choose) {
             QTimer::singleShot(50, [choose] {
@@ -219,7 +219,7 @@ private slots:
         });
         click("selectFont");
         QCOMPARE(find<QLabel>("label_font")->text(), QString("Font Name: DejaVu Serif"));
-        QVERIFY(fontPreview() == expected("g"));
+        QVERIFY(shownBy("fontDisplay") == expected("g"));
     }
 
 private:
@@ -236,18 +236,12 @@ private:
         QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
                           QPoint(header->sectionViewportPosition(section) + 5, 5));
     }
-    bool isNothingShown()
+    QImage shownBy(const QString &label)
     {
-        return find<QLabel>("pictureLabel")->pixmap(Qt::ReturnByValue).isNull();
+        return find<QLabel>(label)->pixmap(Qt::ReturnByValue).toImage();
     }
-    QRgb shown(int x, int y)
-    {
-        return find<QLabel>("pictureLabel")->pixmap(Qt::ReturnByValue).toImage().pixel(x, y);
-    }
-    QImage fontPreview()
-    {
-        return find<QLabel>("fontDisplay")->pixmap(Qt::ReturnByValue).toImage();
-    }
+    QRgb shown(int x, int y) { return shownBy("pictureLabel").pixel(x, y); }
+    bool isNothingShown() { return shownBy("pictureLabel").isNull(); }
     QScrollBar *scroll(const QString &name) { return find<QScrollBar>(name); }
     int currentRow() { return find<QTableWidget>("pictureTable")->currentRow(); }
     void listFolder()

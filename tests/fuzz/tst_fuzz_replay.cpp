@@ -55,7 +55,7 @@ private slots:
     void crcItems() { replay("fuzz_crc_items", fuzz_crc_items); }
     void ico() { replay("fuzz_ico", fuzz_ico, 1000); }
     void replies() { replay("fuzz_replies", fuzz_replies); }
-    void settings() { replay("fuzz_settings", fuzz_settings, 1000); }
+    void settings() { replay("fuzz_settings", fuzz_settings, 400); }
 
 private:
     static void replay(const char *name, Target target, int mutations = 4000)

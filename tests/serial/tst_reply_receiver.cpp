@@ -58,29 +58,19 @@ private slots:
 
     void acknowledgementsSetTheFlag()
     {
-        const struct
-        {
-            QByteArray bytes;
-            bool onUart;
-            bool onEd2;
-        } cases[] = {
-            {QByteArray::fromHex("5AA503824F4B"), true, true},
-            {QByteArray::fromHex("5AA503804F4B"), true, true},
-            {QByteArray::fromHex("5AA5038F4F4B"), true, true},
-            {QByteArray::fromHex("5AA505824F4B1234"), true, true}, // with CRC
-            {QByteArray::fromHex("5AA503854F4B"), false, false},
-            {QByteArray::fromHex("5AA503824F4C"), false, false},
-            {QByteArray::fromHex("5BA503850102"), false, false},
-            {"OK", false, true},
-            {"..OK..", true, true},
-        };
-        for (const auto &[bytes, onUart, onEd2] : cases)
-            for (const auto &[rules, expected] :
-                 {std::pair(uartReceiveRules, onUart), {ed2ReceiveRules, onEd2}}) {
+        for (const ReceiveRules &rules : {uartReceiveRules, ed2ReceiveRules}) {
+            for (const char *bytes : {"5AA503824F4B", "5AA503804F4B", "5AA5038F4F4B",
+                                      "5AA505824F4B1234", "2E2E4F4B2E2E"}) {
                 Path path(rules);
-                path.receiver.receive(bytes);
-                QVERIFY2(path.flag == expected, bytes.toHex());
+                path.receive(bytes);
+                QVERIFY2(path.flag, bytes);
             }
+            for (const char *bytes : {"5AA503854F4B", "5AA503824F4C", "5BA503850102"}) {
+                Path path(rules);
+                path.receive(bytes);
+                QVERIFY2(!path.flag, bytes);
+            }
+        }
     }
 
     void replySplitAnywhereIsFound()
@@ -107,6 +97,9 @@ private slots:
         QVERIFY(!path.flag);
         path.receiver.receive(".");
         QVERIFY(path.flag);
+        Path ed2(ed2ReceiveRules);
+        ed2.receiver.receive("OK");
+        QVERIFY(ed2.flag);
     }
 
     void framesBeforeAnUnfinishedOneAreDispatchedAgain()
@@ -131,10 +124,10 @@ private slots:
         path.receive("5A0011A5 5AA506830014010007 FF5A 5AA5078102FE03A1A2A3 00");
         QCOMPARE(path.vpRead.count(), 1);
         QCOMPARE(path.registersRead.count(), 1);
-        QCOMPARE(path.mirrors.registerAt(2, 0xFE), quint8(0xA1));
-        QCOMPARE(path.mirrors.registerAt(2, 0xFF), quint8(0xA2));
-        QCOMPARE(path.mirrors.registerAt(2, 0x00), quint8(0xA3));
-        QCOMPARE(path.mirrors.registerAt(3, 0x00), quint8(0));
+        // Registers wrap on their page.
+        for (const auto &[page, address, value] :
+             {std::tuple(2, 0xFE, 0xA1), {2, 0xFF, 0xA2}, {2, 0x00, 0xA3}, {3, 0x00, 0}})
+            QCOMPARE(int{path.mirrors.registerAt(page, address)}, value);
     }
 
     void lyingRepliesReadMissingBytesAsZero()

@@ -86,26 +86,19 @@ private slots:
 
     void hexSpinBoxShowsAndAcceptsHexadecimal()
     {
-        const struct
-        {
-            const char *typed;
-            int value;
-            const char *shown;
-        } cases[] = {
-            {"ff0f", 0xFF0F, "FF0F"},
-            {"0xaB", 0xAB, "AB"},
-            {"7FFFFFFF", 0x7FFFFFFF, "7FFFFFFF"},
-            {"80000000", 0x8000000, "8000000"}, // the digit that is too much is refused
-            {"1g2", 0x12, "12"},
-        };
-        for (const auto &[typed, value, shown] : cases) {
+        // A digit that is too much is refused, and so is what is none.
+        for (const auto &[typed, shown] : {std::pair("ff0f", "FF0F"),
+                                           {"0xaB", "AB"},
+                                           {"7FFFFFFF", "7FFFFFFF"},
+                                           {"80000000", "8000000"},
+                                           {"1g2", "12"}}) {
             HexSpinBox box;
             box.setRange(0, 0x7FFFFFFF);
             box.setValue(1);
             box.selectAll();
             QTest::keyClicks(&box, typed);
             QTest::keyClick(&box, Qt::Key_Return);
-            QCOMPARE(box.value(), value);
+            QCOMPARE(box.value(), QString(shown).toInt(nullptr, 16));
             QCOMPARE(box.text(), QString(shown));
         }
     }
