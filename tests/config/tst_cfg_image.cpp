@@ -73,7 +73,7 @@ private slots:
     void readOnlySettingsAreRead()
     {
         const QByteArray bytes =
-            image({{6, "5AA5"}, {16, "5AA5 01 0203040506070809101112131D"}, {39, "5A 84 7F"}});
+            image({{6, "5AA5"}, {16, "5AA5 01 0203040506070809101112131D"}, {39, "5A 86 7F"}});
         const CfgSettings read = cfgImage::read(bytes, CfgSettings());
         QVERIFY(read.setsCalibration && read.setsDisplay && read.setsTouchScreen);
         QCOMPARE(read.calibration, 0);
@@ -81,7 +81,7 @@ private slots:
         QCOMPARE(read.timing.toHex(), QByteArray("0203040506070809101112131d"));
         QCOMPARE(read.touchType, 1);
         QCOMPARE(read.touchX, 1);
-        QCOMPARE(read.touchY, 0);
+        QCOMPARE(read.touchY, 1);
         QCOMPARE(read.touchExchange, 0);
         QCOMPARE(read.touchSensitivity, 0x7F);
         QCOMPARE(cfgImage::read(image({{6, "5A00"}}), {}).calibration, 1);
@@ -102,14 +102,18 @@ private slots:
     void imagesGrowAsFarAsNeeded()
     {
         CfgSettings settings;
-        QCOMPARE(cfgImage::fill({}, settings).image.size(), 45);
+        const auto growsTo = [&settings](int size) {
+            return cfgImage::fill({}, settings).image ==
+                   cfgImage::fill(blank, settings).image.left(size);
+        };
+        QVERIFY(growsTo(45));
         settings.checksSdFiles = true;
-        QCOMPARE(cfgImage::fill({}, settings).image.size(), 57);
+        QVERIFY(growsTo(57));
         settings.encryption = 2;
-        QCOMPARE(cfgImage::fill({}, settings).image.size(), 66);
+        QVERIFY(growsTo(66));
         settings.encryption = 1;
         settings.key = key;
-        QCOMPARE(cfgImage::fill({}, settings).image.size(), 112);
+        QVERIFY(growsTo(112));
     }
 
     void badLocksLeaveTheImageAlone()
@@ -170,6 +174,7 @@ private slots:
                 !after.setsTouchScreen && !after.setsTcon);
         QVERIFY(after.checksSdFiles);
         QCOMPARE(cfgImage::read(blank, before).encryption, 0);
+        QCOMPARE(cfgImage::read(image({{64, "5AAA"}}), {}).encryption, 2);
     }
 
     void onlyTheRightMagicIsAccepted()
@@ -184,6 +189,7 @@ private slots:
         using encryptionTexts::checkFolderName;
         using encryptionTexts::checkKey;
         const QString badName = "It can only be : 0-9 , a-z , A-Z , or '-',or '_' ";
+        const bool isUtf8 = QString("图").toLocal8Bit().size() == 3;
         const QString badKey = "It can only be in hexadecimal and even number !";
         const struct
         {
@@ -196,6 +202,8 @@ private slots:
             {checkFolderName("a b"), badName, false},
             {checkFolderName("ABCDEFGH"), "41 42 43 44 45 46 47 48 ", true},
             {checkFolderName("a b c d e"), "The folder name is longer than 8 !", false},
+            {checkFolderName("图图图"), isUtf8 ? "The folder name is longer than 8 !" : badName,
+             false},
             {checkKey(key), "secret key number :32", true},
             {checkKey(key.left(63)), "secret key number :31", false},
             {checkKey(""), "secret key number :0", false},

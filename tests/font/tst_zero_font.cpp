@@ -126,7 +126,7 @@ private slots:
         QThreadPool::globalInstance()->setMaxThreadCount(QThread::idealThreadCount());
     }
 
-    void scalesWithoutSizeGiveEmptyGlyphs()
+    void whatCannotBeDrawnIsEmpty()
     {
         // No width, no height, or squeezed to almost nothing.
         const std::pair<int, int> scales[] = {
@@ -139,6 +139,9 @@ private slots:
                 QCOMPARE(glyph::pack(glyph::render(size, "A", style)).count('\0'),
                          glyphBytes(size));
             }
+        // So does a character that no font has, in place of the box that would stand for it.
+        QCOMPARE(glyph::pack(glyph::render(64, QString(QChar(0x0378)), dejaVu())).count('\0'),
+                 glyphBytes(64));
     }
 
     void longerFilesKeepTheirEnd()

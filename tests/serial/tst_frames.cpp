@@ -111,6 +111,7 @@ private slots:
         frames->setRegister(9, 0, 0x11);
         frames->setRegister(0x101, 0x102, 0x22);
         QCOMPARE(frames->registerAt(9, 0), quint8(0));
+        QCOMPARE(frames->vpAt(0), quint16(0)); // which stands behind the table
         QCOMPARE(frames->registerAt(0, -1), quint8(0));
         QCOMPARE(frames->registerAt(1, 2), quint8(0x22));
     }

@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include <cerrno>
+#include <termios.h>
 
 class TestQtSerialLink : public QObject
 {
@@ -38,6 +39,11 @@ private slots:
         connect(m_terminal.get(), &k7::PseudoTerminal::received, this,
                 [&sent](const QByteArray &bytes) { sent += bytes; });
         QVERIFY(m_link->open());
+        QFile port(m_terminal->path());
+        QVERIFY(port.open(QIODevice::ReadWrite));
+        termios settings{};
+        QCOMPARE(::tcgetattr(port.handle(), &settings), 0);
+        QCOMPARE(settings.c_cflag & (CSIZE | CSTOPB | PARENB), tcflag_t{CS8});
         QByteArray all;
         for (int i = 0; i < 70000; ++i)
             all.append(static_cast<char>(i));
@@ -74,8 +80,9 @@ private slots:
         m_link->write("lost");
         QVERIFY(m_link->open());
         m_terminal->write("new");
-        m_link->write("kept");
         COMPARE_SOON(m_received, QByteArray("new"));
+        m_link->write("kept");
+        m_link->close();
         COMPARE_SOON(received.count(), 1);
         QCOMPARE(received.first().first().toByteArray(), QByteArray("kept"));
     }

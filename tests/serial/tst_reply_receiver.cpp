@@ -12,12 +12,15 @@ struct Path
     explicit Path(const ReceiveRules &rules) : receiver(rules, mirrors, flag)
     {
         receiver.setHeader(0x5A, 0xA5);
+        QObject::connect(&receiver, &ReplyReceiver::vpRead,
+                         [this](quint16 start) { announced = mirrors.vpAt(start); });
     }
 
     void receive(const char *hex) { receiver.receive(QByteArray::fromHex(hex)); }
 
     FrameBuilder mirrors;
     bool flag = false;
+    int announced = 0; // the first word of a reply when it was announced
     ReplyReceiver receiver;
     QSignalSpy vpRead{&receiver, &ReplyReceiver::vpRead};
     QSignalSpy registersRead{&receiver, &ReplyReceiver::registersRead};
@@ -50,6 +53,7 @@ private slots:
                 path.receive(bytes);
                 QCOMPARE(path.vpRead.count(), 1);
                 QCOMPARE(path.vpRead.first().first().toInt(), start);
+                QCOMPARE(path.announced, words.first());
                 for (int i = 0; i < words.size(); ++i)
                     QCOMPARE(int(path.mirrors.vpAt((start + i) & 0xFFFF)), words.at(i));
                 QVERIFY(!path.flag);
