@@ -218,16 +218,15 @@ private slots:
 
     void typingIsJudged()
     {
-        auto *label = find<QLabel>("textExplainLabel");
-        find<QLineEdit>("encryptionFolderName")->setText("a b");
-        QCOMPARE(label->text(), QString("It can only be : 0-9 , a-z , A-Z , or '-',or '_' "));
-        QCOMPARE(labelColor(), QColor(Qt::red));
-        find<QLineEdit>("encryptionFolderName")->setText("ab");
-        QCOMPARE(label->text(), QString("61 62 "));
-        QCOMPARE(labelColor(), QColor(Qt::black));
-        find<QLineEdit>("encryptionKey")->setText("00");
-        QCOMPARE(label->text(), QString("secret key number :1"));
-        QCOMPARE(labelColor(), QColor(Qt::red));
+        const auto verdictOn = [this](const QString &edit, const QString &text) {
+            find<QLineEdit>(edit)->setText(text);
+            auto *label = find<QLabel>("textExplainLabel");
+            return label->palette().color(QPalette::WindowText).name() + ' ' + label->text();
+        };
+        QCOMPARE(verdictOn("encryptionFolderName", "a b"),
+                 QString("#ff0000 It can only be : 0-9 , a-z , A-Z , or '-',or '_' "));
+        QCOMPARE(verdictOn("encryptionFolderName", "ab"), QString("#000000 61 62 "));
+        QCOMPARE(verdictOn("encryptionKey", "00"), QString("#ff0000 secret key number :1"));
     }
 
     void folderFilesAreCounted()
@@ -258,11 +257,6 @@ private:
         return content(path + ".CFG");
     }
     QString layout() { return find<QComboBox>("K7UIModel")->currentText(); }
-    QColor labelColor()
-    {
-        return find<QLabel>("textExplainLabel")->palette().color(QPalette::WindowText);
-    }
-
     int m_files = 0;
 };
 

@@ -11,20 +11,13 @@ using pictureConversion::Batch;
 
 namespace {
 
-QStringList numbersOf(const PictureList &list)
+/// Number and name of each.
+QStringList rowsOf(const PictureList &list)
 {
-    QStringList numbers;
+    QStringList rows;
     for (const ListedPicture &picture : list.pictures())
-        numbers.append(picture.number);
-    return numbers;
-}
-
-QStringList namesOf(const PictureList &list)
-{
-    QStringList names;
-    for (const ListedPicture &picture : list.pictures())
-        names.append(picture.name);
-    return names;
+        rows.append(picture.number + ' ' + picture.name);
+    return rows;
 }
 
 PictureList listOf(const QStringList &paths)
@@ -53,26 +46,21 @@ class TestPictures : public QObject
 private slots:
     void numbersFollowTheNames()
     {
-        const struct
-        {
-            QStringList names;
-            QStringList numbers;
-        } cases[] = {
-            {{"5_a.png", "b.png", "c.png"}, {"5", "6", "7"}},
-            {{"007x.bmp", "y.bmp"}, {"007", "8"}},
-            {{"a", "b"}, {"1", "2"}},
-            {{"10.png", "a.png", "3b.png", "c"}, {"10", "11", "3", "4"}},
-            {{"12", "13"}, {"1", "2"}}, // nothing but digits
-            {{"18446744073709551615.png", "a"}, {"18446744073709551615", "0"}},
-            {{"99999999999999999999.png", "a"}, {"99999999999999999999", "1"}}, // too large
+        const QStringList cases[] = {
+            {"5 5_a.png", "6 b.png", "7 c.png"},
+            {"007 007x.bmp", "8 y.bmp"},
+            {"1 a", "2 b"},
+            {"10 10.png", "11 a.png", "3 3b.png", "4 c"},
+            {"1 12", "2 13"}, // nothing but digits
+            {"18446744073709551615 18446744073709551615.png", "0 a"},
+            {"99999999999999999999 99999999999999999999.png", "1 a"}, // too large
         };
-        for (const auto &[names, numbers] : cases) {
+        for (const QStringList &rows : cases) {
             QStringList paths;
-            for (const QString &name : names)
-                paths.append("/3/" + name);
+            for (const QString &row : rows)
+                paths.append("/3/" + row.section(' ', 1));
             const PictureList list = listOf(paths);
-            QCOMPARE(numbersOf(list), numbers);
-            QCOMPARE(namesOf(list), names);
+            QCOMPARE(rowsOf(list), rows);
             QCOMPARE(list.pictures().at(0).path, paths.at(0));
         }
     }
@@ -81,33 +69,28 @@ private slots:
     {
         PictureList list = listOf({"/1a", "/2b", "/3c"});
         QVERIFY(list.exchange(2, 1));
-        QCOMPARE(numbersOf(list), QStringList({"1", "2", "3"}));
-        QCOMPARE(namesOf(list), QStringList({"1a", "3c", "2b"}));
+        QCOMPARE(rowsOf(list), QStringList({"1 1a", "2 3c", "3 2b"}));
         QCOMPARE(list.pictures().at(1).path, QString("/3c"));
         for (const auto &[row, other] : {std::pair(0, -1), {2, 3}, {-1, 0}, {3, 2}})
             QVERIFY(!list.exchange(row, other));
-        list.remove(0);
-        list.remove(7);
-        list.remove(-1);
-        QCOMPARE(namesOf(list), QStringList({"3c", "2b"}));
-        QCOMPARE(numbersOf(list), QStringList({"2", "3"}));
+        for (const int row : {0, 7, -1})
+            list.remove(row);
+        QCOMPARE(rowsOf(list), QStringList({"2 3c", "3 2b"}));
     }
 
     void sortingKeepsTheOrderOfEquals()
     {
         PictureList list = listOf({"/10x", "/9b", "/a", "/009a", "/é"});
         list.sortByNumber();
-        QCOMPARE(numbersOf(list), QStringList({"9", "009", "10", "10", "10"}));
-        QCOMPARE(namesOf(list), QStringList({"9b", "009a", "10x", "a", "é"}));
-        PictureList names = listOf({"/b1", "/ab", "/aa", "/Z"});
-        names.sortByFirstByte();
-        QCOMPARE(namesOf(names), QStringList({"Z", "ab", "aa", "b1"}));
-        QCOMPARE(numbersOf(names), QStringList({"4", "2", "3", "1"}));
+        QCOMPARE(rowsOf(list), QStringList({"9 9b", "009 009a", "10 10x", "10 a", "10 é"}));
+        list = listOf({"/b1", "/ab", "/aa", "/Z"});
+        list.sortByFirstByte();
+        QCOMPARE(rowsOf(list), QStringList({"4 Z", "2 ab", "3 aa", "1 b1"}));
         // Bytes are signed: names that begin beyond ASCII come first, where the encoding has them.
-        PictureList foreign = listOf({"/a", "/图"});
-        foreign.sortByFirstByte();
+        list = listOf({"/a", "/图"});
+        list.sortByFirstByte();
         const bool isKnown = QString("图").toLocal8Bit() != "?";
-        QCOMPARE(namesOf(foreign).first(), QString(isKnown || '?' < 'a' ? "图" : "a"));
+        QCOMPARE(rowsOf(list).first(), QString(isKnown || '?' < 'a' ? "2 图" : "1 a"));
     }
 
     void previewsAreAsTheyAreDefined()
