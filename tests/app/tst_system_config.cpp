@@ -257,6 +257,7 @@ private:
         return content(path + ".CFG");
     }
     QString layout() { return find<QComboBox>("K7UIModel")->currentText(); }
+
     int m_files = 0;
 };
 
