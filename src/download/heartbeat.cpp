@@ -3,19 +3,24 @@
 #include "download/download_session.h"
 #include "download/step_dispatch.h"
 
+#include <chrono>
+
 Heartbeat::Heartbeat(DownloadSession &session, StepDispatch &dispatch,
-                     std::function<void()> readLinks, QObject *parent)
-    : QObject(parent), m_session(session), m_dispatch(dispatch), m_readLinks(std::move(readLinks))
+                     std::function<void()> readLinks, Clock clock)
+    : m_session(session)
+    , m_dispatch(dispatch)
+    , m_readLinks(std::move(readLinks))
+    , m_time(std::move(clock))
 {
     m_timer.setInterval(intervalMilliseconds);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &Heartbeat::onTimeout);
 }
 
-void Heartbeat::start()
+qint64 Heartbeat::steadyTime()
 {
-    m_time.start();
-    m_timer.start();
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::nanoseconds(time).count();
 }
 
 void Heartbeat::onTimeout()
@@ -33,7 +38,7 @@ void Heartbeat::onTimeout()
 void Heartbeat::runDueTicks()
 {
     m_readLinks();
-    const qint64 now = m_time.nsecsElapsed();
+    const qint64 now = m_time();
     if (m_session.starts != m_startsSeen) {
         m_startsSeen = m_session.starts;
         m_clock.restart(now - TickClock::tickNanoseconds);
@@ -46,7 +51,7 @@ void Heartbeat::runDueTicks()
         if (m_session.tick <= 1) {
             // A wait begins: what it waits for is sent and answered in later passes only, and the
             // time that sending took, or opening a port, must not shorten it.
-            m_clock.beginWait(m_time.nsecsElapsed());
+            m_clock.beginWait(m_time());
             return;
         }
     }

@@ -2,7 +2,6 @@
 
 #include "download/tick_clock.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -20,10 +19,13 @@ class Heartbeat : public QObject
     Q_OBJECT
 
 public:
-    Heartbeat(DownloadSession &session, StepDispatch &dispatch, std::function<void()> readLinks,
-              QObject *parent = nullptr);
+    /// A time in nanoseconds that never goes back, from whatever beginning.
+    using Clock = std::function<qint64()>;
 
-    void start();
+    Heartbeat(DownloadSession &session, StepDispatch &dispatch, std::function<void()> readLinks,
+              Clock clock = steadyTime);
+
+    void start() { m_timer.start(); }
 
 signals:
     /// A millisecond has passed, or several; also while no exchange runs.
@@ -33,13 +35,15 @@ private:
     void onTimeout();
     void runDueTicks();
 
+    static qint64 steadyTime();
+
     static constexpr int intervalMilliseconds = 1;
 
     DownloadSession &m_session;
     StepDispatch &m_dispatch;
     const std::function<void()> m_readLinks;
+    const Clock m_time;
     QTimer m_timer;
-    QElapsedTimer m_time;
     TickClock m_clock;
     quint32 m_startsSeen = 0;
 };

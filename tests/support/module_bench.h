@@ -1,14 +1,12 @@
 #pragma once
 
-#include "download/step_dispatch.h"
 #include "serial/reply_receiver.h"
 #include "simulator/module.h"
-#include "support/fake_link.h"
-#include "support/recording_notices.h"
+#include "support/step_bench.h"
 
 /// A session over a link whose other end is the simulated module. Everything happens within the
 /// tick that writes.
-struct ModuleBench
+struct ModuleBench : StepBench
 {
     explicit ModuleBench(bool crc = false) : module(k7::FrameFormat{0x5A, 0xA5, crc})
     {
@@ -22,22 +20,7 @@ struct ModuleBench
         };
     }
 
-    void tick(int times)
-    {
-        for (int i = 0; i < times; ++i) {
-            ++ticks;
-            dispatch.tick();
-        }
-    }
-
     bool answers = true;
-    int ticks = 0;
-    QVector<int> writeTicks; // of every write, counted from the start of the bench
-    DownloadSession session;
-    FrameBuilder builder;
     ReplyReceiver replies{uartReceiveRules, builder, session.replyReceived};
     k7::Module module;
-    FakeLink link;
-    RecordingNotices notices;
-    StepDispatch dispatch{session};
 };

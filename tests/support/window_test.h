@@ -3,6 +3,7 @@
 #include "app/choose_in_dialog.h"
 #include "app/dialog.h"
 #include "app/message_boxes.h"
+#include "serial/serial_set.h"
 #include "simulator/simulator.h"
 #include "support/event_loop.h"
 
@@ -142,6 +143,33 @@ protected:
         runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 20000);
     }
     k7::Module &module() { return m_simulator->module(); }
+    /// The texts of all boxes since the last call, once there is one.
+    QStringList nextBoxes()
+    {
+        waitForBox();
+        return std::exchange(m_boxes->texts, {});
+    }
+    /// Confirms `rate` for UART2, also one that the dialog does not offer.
+    void chooseRate(int rate)
+    {
+        auto *set = m_dialog->findChildren<SerialSet *>().first();
+        set->findChildren<QComboBox *>().last()->addItem(QString::number(rate));
+        set->setBaudText(rate);
+        QMetaObject::invokeMethod(set, "query_clicked");
+    }
+    /// Plugs the module in anew, for `bytes` bytes; then it hangs up. False when the system has no
+    /// terminals for it.
+    bool plugInFor(int bytes)
+    {
+        k7::Behaviour behaviour;
+        behaviour.hangUpAfter = bytes;
+        m_simulator->setBehaviour(behaviour);
+        if (!m_simulator->start())
+            return false;
+        m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
+        m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
+        return true;
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<k7::Simulator> m_simulator;
