@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QImage>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
@@ -141,6 +142,21 @@ protected:
     void waitForBox()
     {
         runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 20000);
+    }
+    /// Waits until the exchange that runs has ended: 100 ticks, and nothing to see at their end.
+    static void finishExchange() { runEventLoop(150); }
+    /// Opens the menu of the log and chooses `entry`.
+    void chooseInLogMenu(const QString &entry)
+    {
+        QTimer::singleShot(20, this, [entry] {
+            auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+            for (QAction *action : menu->actions())
+                if (action->text() == entry)
+                    menu->setActiveAction(action);
+            QCOMPARE(menu->activeAction() ? menu->activeAction()->text() : QString(), entry);
+            QTest::keyClick(menu, Qt::Key_Return);
+        });
+        emit find<QTextEdit>("receiveText")->customContextMenuRequested(QPoint(5, 5));
     }
     k7::Module &module() { return m_simulator->module(); }
     /// The texts of all boxes since the last call, once there is one.
