@@ -1,6 +1,9 @@
 #include "common/program_folder.h"
+#include "common/read_file.h"
+#include "common/replace_file.h"
 #include "common/tool_settings.h"
 
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -10,93 +13,109 @@ class TestSettings : public QObject
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_folder = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_folder->isValid());
-    }
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
 
     void firstStartWritesTheDefaultResolutions()
     {
-        {
-            ToolSettings settings(file());
-            QCOMPARE(settings.loadResolutions(), QStringList());
-            QVERIFY(settings.icoFolder().isEmpty());
-        }
-        QCOMPARE(stored("Resolution/N").toInt(), 23);
-        QCOMPARE(stored("Resolution/R0").toString(), QString("320X240"));
-        QCOMPARE(stored("Resolution/R14").toString(), QString("400X400"));
-        QCOMPARE(stored("Resolution/R22").toString(), QString("768X1366"));
-        QVERIFY(!stored("Resolution/R23").isValid());
-        QCOMPARE(ToolSettings(file()).loadResolutions().size(), 23);
-    }
-
-    void listedResolutionsAreRead_data()
-    {
-        QTest::addColumn<QByteArray>("section");
-        QTest::addColumn<QStringList>("resolutions");
-        QTest::newRow("two") << QByteArray("N=2\nR0=100X100\nR1=200X200\nR2=300X300\n")
-                             << QStringList{"100X100", "200X200"};
-        QTest::newRow("more promised than listed")
-            << QByteArray("N=3\nR1=200X200\n") << QStringList{"", "200X200", ""};
-        QTest::newRow("no number") << QByteArray("N=many\nR0=100X100\n") << QStringList();
-        QTest::newRow("below zero") << QByteArray("N=-5\n") << QStringList();
+        QCOMPARE(ToolSettings(file()).loadResolutions(), QStringList());
+        const QStringList resolutions = ToolSettings(file()).loadResolutions();
+        QCOMPARE(resolutions.join(' '),
+                 QString("320X240 240X320 480X272 272X480 640X480 480X640 800X480 480X800 800X600 "
+                         "600X800 512X480 480X512 512X300 300X512 400X400 640X512 512X640 "
+                         "1024X600 600X1024 1024X768 768X1024 1366X768 768X1366"));
+        QCOMPARE(stored("Resolution/N"), QVariant("23"));
+        QCOMPARE(stored("Resolution/R22"), QVariant("768X1366"));
     }
 
     void listedResolutionsAreRead()
     {
-        QFETCH(const QByteArray, section);
-        write("[Resolution]\n" + section);
-        QTEST(ToolSettings(file()).loadResolutions(), "resolutions");
+        const struct
+        {
+            QByteArray file;
+            QStringList resolutions;
+        } rows[] = {
+            {"[Resolution]\nN=2\nR0=100X100\nR1=200X200\nR2=3X3\n", {"100X100", "200X200"}},
+            {"[Resolution]\nN=3\nR1=200X200\n", {"", "200X200", ""}},
+            {"[Resolution]\nN=many\nR0=100X100\n", {}},
+            {"[Resolution]\nN=-5\n", {}},
+            {"[Resolution]\nN=@Invalid()\n", {}},
+            {QByteArray("\x00\xFF[\x01=\n\n]]==", 11), {}},
+        };
+        for (const auto &row : rows) {
+            write(row.file);
+            QCOMPARE(ToolSettings(file()).loadResolutions(), row.resolutions);
+        }
+        write("[Resolution]\nN=1001\n");
+        QCOMPARE(ToolSettings(file()).loadResolutions().size(), 1000);
     }
 
     void startFoldersComeBack()
     {
+        const QString ico = "/tmp/图标, 1/a.ICO";
         {
             ToolSettings settings(file());
-            settings.rememberIcoPath("/tmp/图标, 1/a.ICO");
-            settings.rememberImagePath("/tmp/b.bmp");
-            QCOMPARE(settings.icoFolder(), QString("/tmp/图标, 1/a.ICO"));
-        }
-        const ToolSettings again(file());
-        QCOMPARE(again.icoFolder(), QString("/tmp/图标, 1/a.ICO"));
-        QCOMPARE(again.imageFolder(), QString("/tmp/b.bmp"));
-        QFile content(file());
-        QVERIFY(content.open(QIODevice::ReadOnly));
-        QVERIFY(content.readAll().contains("图标"));
-    }
-
-    void listsComeBackOnlyWhenTheyHoldOnePath()
-    {
-        {
-            ToolSettings settings(file());
+            QCOMPARE(folders(settings), (QStringList{"", "", ""}));
+            settings.rememberIcoPath(ico);
             settings.rememberFontFiles({"/a/1.bin", "/a/2.bin"});
-            settings.rememberImageFiles({"/p/1.png"});
-            QCOMPARE(settings.fontFolder(), QString("/a/1.bin"));
+            settings.rememberImagePath("/b.bmp");
+            QCOMPARE(folders(settings), (QStringList{ico, "/a/1.bin", "/b.bmp"}));
         }
-        QCOMPARE(stored("DefaultPath/fontDefaultPath").toStringList(),
-                 (QStringList{"/a/1.bin", "/a/2.bin"}));
-        const ToolSettings again(file());
-        QCOMPARE(again.fontFolder(), QString());
-        QCOMPARE(again.imageFolder(), QString("/p/1.png"));
+        // A list of several paths does not come back. That is wanted.
+        QCOMPARE(folders(ToolSettings(file())), (QStringList{ico, "", "/b.bmp"}));
+        QVERIFY(readFile(file())->contains("图标"));
+        {
+            ToolSettings settings(file());
+            settings.rememberFontFiles({"/c.bin"});
+            settings.rememberImageFiles({"/p/1.png", "/p/2.png"});
+            QCOMPARE(folders(settings), (QStringList{ico, "/c.bin", "/p/1.png"}));
+        }
+        QCOMPARE(folders(ToolSettings(file())), (QStringList{ico, "/c.bin", ""}));
+        QCOMPARE(stored("DefaultPath/icoDefaultPath"), QVariant(ico));
+        QCOMPARE(stored("DefaultPath/fontDefaultPath"), QVariant("/c.bin"));
+        QCOMPARE(stored("DefaultPath/imageDefaultPath"),
+                 QVariant(QStringList{"/p/1.png", "/p/2.png"}));
     }
 
-    void unreadableFilesAreFilesWithoutKeys_data()
+    void anyTextComesBackAndTheRestStays()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("binary") << QByteArray("\x00\xFF[\x01=\n\n]]==", 11);
-        QTest::newRow("no number of entries") << QByteArray("[Resolution]\nN=@Invalid()\n");
+        QRandomGenerator random(1);
+        const QString alphabet = "ab19 ,;=\"\\@#[]%/\n\t\x01图";
+        const QByteArray rest = "\n[Other]\n; by hand\nkey = 1, 2\n";
+        for (int i = 0; i < 300; ++i) {
+            QStringList values;
+            for (int n = random.bounded(1, 4); n > 0; --n) {
+                QString value;
+                for (int length = random.bounded(6); length > 0; --length)
+                    value += alphabet.at(random.bounded(alphabet.size()));
+                values.append(value);
+            }
+            init(); // settings of one name share what was read
+            write("[First]\n\n[Own]\nkey=old\n" + rest);
+            ToolSettings(file()).set({{"Own/key", values}, {"Own/next", {"1"}}});
+            QCOMPARE(stored("Own/key").toStringList(), values);
+            QCOMPARE(stored("Own/next"), QVariant("1"));
+            QVERIFY(readFile(file())->endsWith(rest));
+        }
     }
 
-    void unreadableFilesAreFilesWithoutKeys()
+    void whatCannotBeWrittenHoldsUntilTheEnd()
     {
-        QFETCH(const QByteArray, content);
-        write(content);
+        QVERIFY(QDir().mkdir(file())); // neither read nor written, whoever asks
         ToolSettings settings(file());
-        QCOMPARE(settings.loadResolutions(), QStringList());
-        QCOMPARE(settings.fontFolder(), QString());
-        QCOMPARE(settings.text("Resolution/R0"), QString("320X240"));
+        QVERIFY(!settings.hasGroup("Own"));
+        settings.set({{"Own/key", {"old"}}, {"Own/list", {"1", "2"}}});
+        settings.set({{"Own/key", {"new, newer"}}});
+        QVERIFY(settings.hasGroup("Own") && !settings.hasGroup("Ow"));
+        QCOMPARE(settings.text("Own/key"), QString("new, newer"));
+        QCOMPARE(settings.caption("Own/key"), QString("new, newer"));
+        QCOMPARE(settings.text("Own/list"), QString());
+        QVERIFY(QDir().rmdir(file()));
+        settings.set({{"Own/last", {"3"}}});
+        QCOMPARE(stored("Own/key"), QVariant("new, newer"));
+        QCOMPARE(stored("Own/last"), QVariant("3"));
+        write("[Own]\nkey=edited\n");
+        settings.refresh();
+        QCOMPARE(settings.text("Own/key"), QString("edited"));
     }
 
     void programFolderIsTheUsersOwnWhereTheExecutablesCannotBeWritten()
@@ -110,27 +129,31 @@ private slots:
         QVERIFY(QDir().mkpath(folder.own));
         QCOMPARE(folder.fileToRead("SystemConfig.ini"), file());
         const QString ownFile = folder.own + "/SystemConfig.ini";
-        ToolSettings(ownFile, file()).rememberIcoPath("/tmp");
+        ToolSettings settings(ownFile, file());
+        QCOMPARE(settings.text("Language/Language"), QString("French"));
+        settings.rememberIcoPath("/tmp");
         QCOMPARE(folder.fileToRead("SystemConfig.ini"), ownFile);
-        QCOMPARE(ToolSettings(ownFile, file()).text("Language/Language"), QString("French"));
+        QCOMPARE(ToolSettings(ownFile, file()).icoFolder(), QString("/tmp"));
         QVERIFY(!stored("DefaultPath/icoDefaultPath").isValid());
 
-        const QString own = findProgramFolder(m_folder->filePath("missing")).own;
-        QCOMPARE(own, QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+        const QString own = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+        QDir(own).removeRecursively();
+        QCOMPARE(findProgramFolder(m_folder->filePath("missing")).own, own);
         QVERIFY(QFileInfo(own).isWritable());
     }
 
 private:
     QString file() const { return m_folder->filePath("SystemConfig.ini"); }
-    void write(const QByteArray &content) const
-    {
-        QFile target(file());
-        QVERIFY(target.open(QIODevice::WriteOnly));
-        target.write(content);
-    }
+    void write(const QByteArray &content) const { QVERIFY(replaceFile(file(), content)); }
     QVariant stored(const QString &key) const
     {
-        return QSettings(file(), QSettings::IniFormat).value(key);
+        QSettings settings(file(), QSettings::IniFormat);
+        settings.setIniCodec("UTF-8");
+        return settings.value(key);
+    }
+    static QStringList folders(const ToolSettings &settings)
+    {
+        return {settings.icoFolder(), settings.fontFolder(), settings.imageFolder()};
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
