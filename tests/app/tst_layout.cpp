@@ -47,13 +47,6 @@ int captionWidth(QWidget *widget)
     return 0;
 }
 
-void languages()
-{
-    QTest::addColumn<QString>("language");
-    QTest::newRow("English") << "English";
-    QTest::newRow("Chinese") << "中文";
-}
-
 } // namespace
 
 /// What a person would complain about at a glance, in both languages.
@@ -68,50 +61,47 @@ private slots:
         QApplication::setStyle("Fusion");
     }
 
-    void nothingIsClippedOverlapsOrLeavesItsParent_data() { languages(); }
-
     void nothingIsClippedOverlapsOrLeavesItsParent()
     {
-        QFETCH(const QString, language);
-        const auto dialog = dialogIn(language);
-        QStringList complaints;
-        int pages = 0;
-        for (auto *tabs : dialog->findChildren<QTabWidget *>()) {
-            for (int i = 0; i < tabs->count(); ++i) {
-                tabs->setCurrentIndex(i);
-                if (tabs->widget(i)->findChild<QTabWidget *>())
-                    continue;
-                ++pages;
-                check(tabs->widget(i), complaints);
-                // The serial assistant has a layout for each command kind.
-                if (auto *kinds = tabs->widget(i)->findChild<QComboBox *>("serialCmd"))
-                    for (int kind = 1; kind < kinds->count(); ++kind) {
-                        kinds->setCurrentIndex(kind);
-                        check(tabs->widget(i), complaints);
-                    }
+        for (const char *language : {"English", "中文"}) {
+            const auto dialog = dialogIn(language);
+            QStringList complaints;
+            int pages = 0;
+            for (auto *tabs : dialog->findChildren<QTabWidget *>()) {
+                for (int i = 0; i < tabs->count(); ++i) {
+                    tabs->setCurrentIndex(i);
+                    if (tabs->widget(i)->findChild<QTabWidget *>())
+                        continue;
+                    ++pages;
+                    check(tabs->widget(i), complaints);
+                    // The serial assistant has a layout for each command kind.
+                    if (auto *kinds = tabs->widget(i)->findChild<QComboBox *>("serialCmd"))
+                        for (int kind = 1; kind < kinds->count(); ++kind) {
+                            kinds->setCurrentIndex(kind);
+                            check(tabs->widget(i), complaints);
+                        }
+                }
             }
+            QCOMPARE(pages, 10);
+            QVERIFY2(complaints.isEmpty(), qPrintable(complaints.join('\n')));
         }
-        QCOMPARE(pages, 10);
-        QCOMPARE(complaints.join('\n'), QString());
     }
-
-    void allTabsAreSeenAtOnce_data() { languages(); }
 
     void allTabsAreSeenAtOnce()
     {
-        QFETCH(const QString, language);
-        const auto dialog = dialogIn(language);
-        auto *outer = dialog->findChild<QTabWidget *>("tabWidget");
-        for (const auto *tabs : dialog->findChildren<QTabWidget *>()) {
-            // Only the current page has its size.
-            for (int i = 0; i < outer->count(); ++i)
-                if (outer->widget(i)->isAncestorOf(tabs))
-                    outer->setCurrentIndex(i);
-            const QTabBar *bar = tabs->tabBar();
-            QVERIFY2(bar->tabRect(bar->count() - 1).right() < tabs->width(),
-                     qPrintable(tabs->objectName()));
-            QVERIFY2(tabs->parentWidget()->width() >= tabs->geometry().right(),
-                     qPrintable(tabs->objectName()));
+        for (const char *language : {"English", "中文"}) {
+            const auto dialog = dialogIn(language);
+            auto *outer = dialog->findChild<QTabWidget *>("tabWidget");
+            for (const auto *tabs : dialog->findChildren<QTabWidget *>()) {
+                // Only the current page has its size.
+                for (int i = 0; i < outer->count(); ++i)
+                    if (outer->widget(i)->isAncestorOf(tabs))
+                        outer->setCurrentIndex(i);
+                const QTabBar *bar = tabs->tabBar();
+                QVERIFY2(bar->tabRect(bar->count() - 1).right() < tabs->width() &&
+                             tabs->geometry().right() <= tabs->parentWidget()->width(),
+                         qPrintable(tabs->objectName()));
+            }
         }
     }
 
@@ -135,27 +125,25 @@ private:
         const QList<QWidget *> controls = controlsOf(page);
         for (int i = 0; i < controls.size(); ++i) {
             QWidget *control = controls.at(i);
-            const QString name = page->objectName() + "/" + control->objectName();
+            const auto complain = [&](const QString &text) {
+                complaints.append(page->objectName() + '/' + control->objectName() + ' ' + text);
+            };
             if (!page->rect().contains(control->geometry()))
-                complaints.append(name + " leaves its parent");
+                complain("leaves its parent");
             if (captionWidth(control) > control->width())
-                complaints.append(QString("%1 needs %2 pixels and has %3")
-                                      .arg(name)
-                                      .arg(captionWidth(control))
-                                      .arg(control->width()));
+                complain(QString("needs %1 pixels").arg(captionWidth(control)));
             if (const auto *table = qobject_cast<QTableWidget *>(control))
                 for (int c = 0; c < table->columnCount(); ++c)
                     if (table->horizontalHeaderItem(c) &&
                         table->horizontalHeader()->fontMetrics().horizontalAdvance(
                             table->horizontalHeaderItem(c)->text()) > table->columnWidth(c))
-                        complaints.append(
-                            QString("%1 clips the header of column %2").arg(name).arg(c));
+                        complain(QString("clips the header of column %1").arg(c));
             if (auto *browser = qobject_cast<QTextBrowser *>(control))
                 if (browser->verticalScrollBar()->maximum() > 0)
-                    complaints.append(name + " scrolls");
-            for (int j = i + 1; j < controls.size(); ++j)
-                if (control->geometry().intersects(controls.at(j)->geometry()))
-                    complaints.append(name + " overlaps " + controls.at(j)->objectName());
+                    complain("scrolls");
+            for (const QWidget *other : controls.mid(i + 1))
+                if (control->geometry().intersects(other->geometry()))
+                    complain("overlaps " + other->objectName());
             if (qobject_cast<QGroupBox *>(control))
                 check(control, complaints);
         }
