@@ -1,7 +1,6 @@
 #include "simulator/frame_finder.h"
 
-#include "common/big_endian.h"
-#include "serial/modbus_crc16.h"
+#include "simulator/bytes.h"
 
 namespace k7 {
 
@@ -28,7 +27,7 @@ std::optional<QByteArray> FrameFinder::next()
         const int arrived = m_buffer.size() - m_start - headBytes;
         if (arrived < 0)
             return std::nullopt;
-        const int length = bigEndian::byteAt(m_buffer, m_start + headBytes - 1);
+        const int length = byteAt(m_buffer, m_start + headBytes - 1);
         if (length <= trailer)
             continue;
         if (arrived < length)
@@ -36,9 +35,12 @@ std::optional<QByteArray> FrameFinder::next()
 
         const QByteArray content = m_buffer.mid(m_start + headBytes, length);
         const QByteArray payload = content.left(length - trailer);
+        const quint16 crc = crc16(payload);
+        const bool isIntact = byteAt(content, length - crcBytes) == lowByte(crc) &&
+                              byteAt(content, length - 1) == highByte(crc);
         // After a wrong CRC the length is not to be trusted, so the search goes on at the next
         // byte.
-        if (m_format.crcEnabled && ModbusCrc16::appendedTo(payload, 0) != content)
+        if (m_format.crcEnabled && !isIntact)
             continue;
         m_start += headBytes + length;
         return payload;
@@ -46,17 +48,19 @@ std::optional<QByteArray> FrameFinder::next()
     return std::nullopt;
 }
 
-void FrameFinder::clear()
+QByteArray FrameFinder::takeRest()
 {
+    const QByteArray rest = m_buffer.mid(m_start);
     m_buffer.clear();
     m_start = 0;
+    return rest;
 }
 
 bool FrameFinder::mayStartFrame() const
 {
     const bool hasSecond = m_start + 1 < m_buffer.size();
-    return bigEndian::byteAt(m_buffer, m_start) == m_format.header1 &&
-           (!hasSecond || bigEndian::byteAt(m_buffer, m_start + 1) == m_format.header2);
+    return byteAt(m_buffer, m_start) == m_format.header1 &&
+           (!hasSecond || byteAt(m_buffer, m_start + 1) == m_format.header2);
 }
 
 } // namespace k7

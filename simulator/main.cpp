@@ -1,16 +1,16 @@
 #include "simulator/module_dump.h"
+#include "simulator/screen_window.h"
 #include "simulator/simulator.h"
+#include "simulator/stop_signals.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QRegularExpression>
 #include <QSocketNotifier>
 
 #include <climits>
-#include <csignal>
 #include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
+#include <memory>
 
 namespace {
 
@@ -19,9 +19,10 @@ constexpr int badUsage = 2;
 
 struct Options
 {
-    k7::FrameFormat format;
+    k7::ModuleSettings module;
     k7::Behaviour behaviour;
     QString dumpFolder; // empty: no dump
+    bool showsScreen = false;
 };
 
 void print(std::FILE *file, const QString &line)
@@ -58,6 +59,24 @@ void readNumber(const QString &name, const QString &text, int &number)
                            .arg(text));
 }
 
+void readLayout(const QString &text, k7::Layout &layout)
+{
+    const int index = QStringList{"K7UID1", "K7UID2", "K7UID3"}.indexOf(text);
+    if (index < 0)
+        exitOnBadUsage("--layout needs K7UID1, K7UID2 or K7UID3, not \"" + text + "\"");
+    layout = static_cast<k7::Layout>(index);
+}
+
+void readScreen(const QString &text, QSize &screen)
+{
+    static const QRegularExpression size("\\A([1-9][0-9]{0,3})x([1-9][0-9]{0,3})\\z");
+    const QRegularExpressionMatch match = size.match(text);
+    if (!match.hasMatch())
+        exitOnBadUsage("--screen needs a size of up to 9999x9999, such as 480x272, not \"" + text +
+                       "\"");
+    screen = {match.captured(1).toInt(), match.captured(2).toInt()};
+}
+
 Options readOptions(const QCoreApplication &application)
 {
     QCommandLineParser parser;
@@ -65,6 +84,10 @@ Options readOptions(const QCoreApplication &application)
     parser.addOptions({
         {"crc", "Frames on UART2 carry a CRC."},
         {"header", "Header bytes of frames, hexadecimal (default 5AA5).", "bytes", "5AA5"},
+        {"layout", "Know the downloads of <layout> (default K7UID1).", "layout", "K7UID1"},
+        {"uart-rate", "Listen on UART2 at <rate> bit/s (default 115200).", "rate", "115200"},
+        {"real-time", "Be as slow as the lines, and deaf while the flash is programmed."},
+        {"screen", "Show the screen of the module, of <size>.", "size"},
         {"delay", "Wait <ms> milliseconds before each reply.", "ms", "0"},
         {"silent", "Never reply."},
         {"noise", "Send garbage before each reply."},
@@ -84,8 +107,16 @@ Options readOptions(const QCoreApplication &application)
         exitOnBadUsage("unexpected argument \"" + parser.positionalArguments().constFirst() + "\"");
 
     Options options;
-    options.format.crcEnabled = parser.isSet("crc");
-    readHeader(parser.value("header"), options.format);
+    options.module.format.crcEnabled = parser.isSet("crc");
+    readHeader(parser.value("header"), options.module.format);
+    readLayout(parser.value("layout"), options.module.layout);
+    readNumber("uart-rate", parser.value("uart-rate"), options.module.uartRate);
+    if (options.module.uartRate == 0)
+        exitOnBadUsage("--uart-rate needs a rate above 0");
+    options.behaviour.realTime = parser.isSet("real-time");
+    options.showsScreen = parser.isSet("screen");
+    if (options.showsScreen)
+        readScreen(parser.value("screen"), options.module.screen);
     options.behaviour.silent = parser.isSet("silent");
     options.behaviour.noisy = parser.isSet("noise");
     readNumber("delay", parser.value("delay"), options.behaviour.delay);
@@ -98,41 +129,26 @@ Options readOptions(const QCoreApplication &application)
     return options;
 }
 
-// A signal handler may do little more than write: the event loop reads the other end of this pipe.
-int signalPipe[2];
-
-void onSignal(int)
+/// The application; without a window system where no screen is shown.
+std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
 {
-    const char byte = 0;
-    // When the pipe is full, an earlier signal has not been read yet, which will do.
-    [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
-}
-
-/// The read end of a pipe that becomes readable on SIGINT and SIGTERM; -1 when there is none.
-int catchSignals()
-{
-    if (::pipe2(signalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
-        return -1;
-    struct sigaction action = {};
-    action.sa_handler = onSignal;
-    action.sa_flags = SA_RESTART;
-    sigemptyset(&action.sa_mask);
-    const bool caught =
-        ::sigaction(SIGINT, &action, nullptr) == 0 && ::sigaction(SIGTERM, &action, nullptr) == 0;
-    return caught ? signalPipe[0] : -1;
+    for (int i = 1; i < argc; ++i)
+        if (qstrncmp(argv[i], "--screen", 8) == 0)
+            return std::make_unique<QApplication>(argc, argv);
+    return std::make_unique<QCoreApplication>(argc, argv);
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication application(argc, argv);
+    const auto application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName("k7-simulator");
     QCoreApplication::setApplicationVersion(K7_SIMULATOR_VERSION);
-    const Options options = readOptions(application);
+    const Options options = readOptions(*application);
 
-    const int signalled = catchSignals();
-    k7::Simulator simulator(options.format);
+    const int signalled = k7::catchStopSignals();
+    k7::Simulator simulator(options.module);
     simulator.setBehaviour(options.behaviour);
     if (signalled < 0 || !simulator.start()) {
         print(stderr, "k7-simulator: the system has no pseudo-terminals left");
@@ -140,14 +156,19 @@ int main(int argc, char *argv[])
     }
     QSocketNotifier stop(signalled, QSocketNotifier::Read);
     // Queued, so that it ends the event loop even when it comes before the loop has begun.
-    QObject::connect(&stop, &QSocketNotifier::activated, &application, &QCoreApplication::quit,
+    QObject::connect(&stop, &QSocketNotifier::activated, application.get(), &QCoreApplication::quit,
                      Qt::QueuedConnection);
-    QObject::connect(&simulator, &k7::Simulator::hungUp, &application, &QCoreApplication::quit,
+    QObject::connect(&simulator, &k7::Simulator::hungUp, application.get(), &QCoreApplication::quit,
                      Qt::QueuedConnection);
     QObject::connect(&simulator, &k7::Simulator::traced,
                      [](const QString &line) { print(stdout, line); });
     print(stdout, "UART2 " + simulator.uartPath());
     print(stdout, "ED2 " + simulator.ed2Path());
+    std::unique_ptr<k7::ScreenWindow> screen;
+    if (options.showsScreen) {
+        screen = std::make_unique<k7::ScreenWindow>(simulator);
+        screen->show();
+    }
     QCoreApplication::exec();
 
     if (options.dumpFolder.isEmpty() || k7::dump(simulator.module(), options.dumpFolder))

@@ -1,6 +1,6 @@
 #include "simulator/module_dump.h"
 
-#include "common/big_endian.h"
+#include "simulator/bytes.h"
 #include "simulator/module.h"
 
 #include <QFile>
@@ -18,17 +18,17 @@ bool writeFile(const QDir &folder, const QString &name, const QByteArray &bytes)
 QByteArray registerBytes(const Module &module)
 {
     QByteArray bytes;
-    for (int page = 0; page < FrameBuilder::registerPages; ++page)
-        for (int address = 0; address < FrameBuilder::registersPerPage; ++address)
-            bigEndian::appendByte(bytes, module.registerAt(page, address));
+    for (int page = 0; page < registerPages; ++page)
+        for (int address = 0; address < registersPerPage; ++address)
+            appendByte(bytes, module.registerAt(page, address));
     return bytes;
 }
 
 QByteArray vpBytes(const Module &module)
 {
     QByteArray bytes;
-    for (int address = 0; address < FrameBuilder::vpWords; ++address)
-        bigEndian::appendWord(bytes, module.vp(static_cast<quint16>(address)));
+    for (int address = 0; address < vpWords; ++address)
+        appendWord(bytes, module.vp(static_cast<quint16>(address)));
     return bytes;
 }
 
@@ -58,7 +58,7 @@ bool dump(const Module &module, const QDir &folder)
         written = written && writeFile(folder, "picture_memory.bin", module.pictureMemory());
     if (!module.jpeg().content.isEmpty())
         written = written && writeFile(folder, "jpeg.jpg", module.jpeg().content);
-    for (int channel = 0; channel < FrameBuilder::channels; ++channel) {
+    for (int channel = 0; channel < curveChannels; ++channel) {
         const QVector<quint16> samples = module.curve(channel);
         if (!samples.isEmpty())
             written = written && writeFile(folder, QString::asprintf("curve_%d.txt", channel),

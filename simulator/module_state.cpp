@@ -21,7 +21,7 @@ constexpr InitialWord initialWords[] = {
 
 } // namespace
 
-ModuleState::ModuleState() : vp(FrameBuilder::vpWords)
+ModuleState::ModuleState() : vp(vpWords)
 {
     for (const InitialWord &word : initialWords)
         vp[word.address] = word.value;

@@ -1,5 +1,7 @@
 #include "simulator/pseudo_terminal.h"
 
+#include "simulator/line_rate.h"
+
 #include <QSocketNotifier>
 
 #include <cerrno>
@@ -114,7 +116,7 @@ void PseudoTerminal::readAvailable()
     char buffer[readBytes];
     const ssize_t count = ::read(m_master, buffer, sizeof buffer);
     if (count > 0)
-        emit received(QByteArray(buffer, static_cast<int>(count)));
+        emit received(QByteArray(buffer, static_cast<int>(count)), lineRate(m_master));
     else if (count == 0 || !isTransient(errno))
         hangUp();
 }

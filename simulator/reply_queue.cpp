@@ -35,15 +35,18 @@ void ReplyQueue::clear()
 
 void ReplyQueue::startNext()
 {
-    if (!m_pieces.isEmpty() && !m_timer.isActive())
+    if (m_pieces.isEmpty() || m_timer.isActive())
+        return;
+    if (m_pieces.head().delay == 0)
+        sendFirst();
+    else
         m_timer.start(m_pieces.head().delay);
 }
 
 void ReplyQueue::sendFirst()
 {
-    const QByteArray bytes = m_pieces.dequeue().bytes;
+    emit due(m_pieces.dequeue().bytes);
     startNext();
-    emit due(bytes);
 }
 
 } // namespace k7

@@ -23,7 +23,7 @@ public:
     void clear();
 
 signals:
-    /// The next bytes for the tool, each time from an event of its own.
+    /// The next bytes for the tool; from within enqueue() when nothing delays them.
     void due(const QByteArray &bytes);
 
 private:

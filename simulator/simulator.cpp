@@ -1,43 +1,168 @@
 #include "simulator/simulator.h"
 
+#include "simulator/direct_wire.h"
+
+#ifdef K7_HAS_TERMINALS
+#include "simulator/pseudo_terminal.h"
+#endif
+
 namespace k7 {
 
-Simulator::Simulator(const FrameFormat &format, QObject *parent) : QObject(parent), m_module(format)
+namespace {
+
+constexpr qint64 nanosecondsPerMillisecond = 1'000'000;
+
+const char *portName(Link link)
+{
+    return link == Link::Uart2 ? "SIM-UART2" : "SIM-ED2";
+}
+
+Wire *makeWire(Link link, Way way, QObject *parent)
+{
+#ifdef K7_HAS_TERMINALS
+    if (way == Way::Terminals)
+        return new PseudoTerminal(parent);
+#endif
+    return way == Way::InProcess ? new DirectWire(portName(link), parent) : nullptr;
+}
+
+} // namespace
+
+Simulator::Simulator(const ModuleSettings &settings, QObject *parent)
+    : QObject(parent)
+    , m_module(settings)
+    , m_uart{Link::Uart2, LineQueue(settings.rate(Link::Uart2)), settings.rate(Link::Uart2)}
+    , m_ed2{Link::Ed2, LineQueue(settings.rate(Link::Ed2)), settings.rate(Link::Ed2)}
 {
     m_module.setTrace([this](const QString &line) { emit traced(line); });
-    wire(Link::Uart2, m_uart, m_uartReplies);
-    wire(Link::Ed2, m_ed2, m_ed2Replies);
+    m_module.setScreenChanged([this] { emit screenChanged(); });
+    prepare(m_uart);
+    prepare(m_ed2);
+    m_clock.start();
 }
 
-void Simulator::wire(Link link, PseudoTerminal &terminal, ReplyQueue &replies)
+void Simulator::prepare(Channel &channel)
 {
-    connect(&terminal, &PseudoTerminal::received, this,
-            [this, link, &replies](const QByteArray &bytes) { receive(link, bytes, replies); });
-    connect(&replies, &ReplyQueue::due, &terminal, &PseudoTerminal::write);
+    connect(&channel.replies, &ReplyQueue::due, this, [&channel](const QByteArray &bytes) {
+        if (channel.wire)
+            channel.wire->write(bytes);
+    });
+    channel.lineTimer.setSingleShot(true);
+    channel.lineTimer.setTimerType(Qt::PreciseTimer);
+    connect(&channel.lineTimer, &QTimer::timeout, this, [this, &channel] { onLineTimer(channel); });
 }
 
-bool Simulator::start()
+bool Simulator::start(Way way)
 {
     unplug();
     m_receivedBytes = 0;
-    if (m_uart.open() && m_ed2.open())
+    if (open(m_uart, way) && open(m_ed2, way))
         return true;
     unplug();
     return false;
 }
 
-void Simulator::receive(Link link, const QByteArray &bytes, ReplyQueue &replies)
+bool Simulator::open(Channel &channel, Way way)
+{
+    channel.heardRate = m_module.settings().rate(channel.link);
+    channel.wire = makeWire(channel.link, way, this);
+    if (!channel.wire)
+        return false;
+    connect(channel.wire, &Wire::received, this,
+            [this, &channel](const QByteArray &bytes, int rate) { receive(channel, bytes, rate); });
+    return channel.wire->open();
+}
+
+DirectWire *Simulator::directWire(const QString &portName) const
+{
+    for (const Channel *channel : {&m_uart, &m_ed2})
+        if (!portName.isEmpty() && pathOf(*channel) == portName)
+            return qobject_cast<DirectWire *>(channel->wire);
+    return nullptr;
+}
+
+void Simulator::setBehaviour(const Behaviour &behaviour)
+{
+    m_behaviour = behaviour;
+    m_module.setProgrammingTakesTime(behaviour.realTime);
+}
+
+void Simulator::configure(const ModuleSettings &settings)
+{
+    m_module.configure(settings);
+    for (Channel *channel : {&m_uart, &m_ed2}) {
+        channel->line = LineQueue(settings.rate(channel->link));
+        channel->heardRate = settings.rate(channel->link);
+    }
+}
+
+void Simulator::receive(Channel &channel, const QByteArray &bytes, int rate)
 {
     const bool mayHangUp = m_behaviour.hangUpAfter >= 0;
     const qint64 allowed = mayHangUp ? m_behaviour.hangUpAfter - m_receivedBytes : bytes.size();
     const QByteArray taken = bytes.left(static_cast<int>(qBound<qint64>(0, allowed, bytes.size())));
     m_receivedBytes += taken.size();
 
-    for (const QByteArray &reply : m_module.receive(link, taken))
-        if (!m_behaviour.silent)
-            replies.enqueue(noise() + reply, m_behaviour.delay, m_behaviour.split);
+    if (hears(channel, rate)) {
+        if (m_behaviour.realTime || !channel.line.isEmpty()) {
+            channel.line.send(taken, m_clock.nsecsElapsed());
+            deliverArrived(channel);
+        } else {
+            deliver(channel, taken, m_clock.nsecsElapsed());
+        }
+    }
     if (mayHangUp && m_receivedBytes >= m_behaviour.hangUpAfter)
         hangUp();
+}
+
+bool Simulator::hears(Channel &channel, int rate)
+{
+    const int own = m_module.settings().rate(channel.link);
+    if (rate != own && rate != channel.heardRate)
+        emit traced(QString("%1 hears garbage: %2 bit/s instead of %3")
+                        .arg(channel.link == Link::Uart2 ? "UART2" : "ED2")
+                        .arg(rate)
+                        .arg(own));
+    channel.heardRate = rate;
+    return rate == own;
+}
+
+void Simulator::onLineTimer(Channel &channel)
+{
+    channel.lag = qMax(channel.lag, m_clock.nsecsElapsed() - channel.lineTimerDue);
+    deliverArrived(channel);
+}
+
+void Simulator::deliverArrived(Channel &channel)
+{
+    // A real module does not wait for a busy computer. This one reads late, looks late, and its
+    // reply is read late; so bytes are taken as much earlier as the event loop has been late.
+    const qint64 now = m_clock.nsecsElapsed();
+    const QByteArray arrived =
+        channel.line.takeArrived(now + nanosecondsPerMillisecond + 3 * channel.lag);
+    // Bytes in flight are looked for every millisecond; an empty line wakes nobody.
+    if (channel.line.isEmpty()) {
+        channel.lag = 0;
+    } else if (!channel.lineTimer.isActive()) {
+        channel.lineTimerDue = now + nanosecondsPerMillisecond;
+        channel.lineTimer.start(1);
+    }
+    if (!arrived.isEmpty())
+        deliver(channel, arrived, channel.line.lastArrival());
+}
+
+void Simulator::deliver(Channel &channel, const QByteArray &bytes, qint64 arrival)
+{
+    const qint64 now = arrival / nanosecondsPerMillisecond;
+    for (const QByteArray &reply : m_module.receive(channel.link, bytes, now)) {
+        if (m_behaviour.silent)
+            continue;
+        const QByteArray sent = noise() + reply;
+        const qint64 onTheLine =
+            m_behaviour.realTime ? channel.line.timeOf(sent.size()) / nanosecondsPerMillisecond : 0;
+        channel.replies.enqueue(sent, m_behaviour.delay + static_cast<int>(onTheLine),
+                                m_behaviour.split);
+    }
 }
 
 QByteArray Simulator::noise() const
@@ -46,7 +171,7 @@ QByteArray Simulator::noise() const
         return {};
     QByteArray garbage = QByteArrayLiteral("\xFF\x13\x80\xFE\x37\x21\x7F");
     // Without the first header byte nothing in it can start a frame.
-    return garbage.replace(static_cast<char>(m_module.format().header1), "");
+    return garbage.replace(static_cast<char>(m_module.settings().format.header1), "");
 }
 
 void Simulator::hangUp()
@@ -57,11 +182,24 @@ void Simulator::hangUp()
 
 void Simulator::unplug()
 {
-    m_uartReplies.clear();
-    m_ed2Replies.clear();
-    m_uart.hangUp();
-    m_ed2.hangUp();
+    for (Channel *channel : {&m_uart, &m_ed2}) {
+        channel->replies.clear();
+        channel->line.clear();
+        channel->lineTimer.stop();
+        if (!channel->wire)
+            continue;
+        channel->wire->hangUp();
+        // This may be called while a signal of the wire is handled.
+        channel->wire->disconnect(this);
+        channel->wire->deleteLater();
+        channel->wire = nullptr;
+    }
     m_module.dropUnfinishedFrames();
+}
+
+QString Simulator::pathOf(const Channel &channel)
+{
+    return channel.wire ? channel.wire->path() : QString();
 }
 
 } // namespace k7

@@ -1,10 +1,16 @@
 #pragma once
 
+#include "simulator/line_queue.h"
 #include "simulator/module.h"
-#include "simulator/pseudo_terminal.h"
 #include "simulator/reply_queue.h"
 
+#include <QElapsedTimer>
+#include <QTimer>
+
 namespace k7 {
+
+class DirectWire;
+class Wire;
 
 /// How well the module and its wiring behave.
 struct Behaviour
@@ -17,51 +23,95 @@ struct Behaviour
     bool noisy = false;
     /// Replies come in pieces of that many bytes, a few milliseconds apart; 0 sends them whole.
     int split = 0;
-    /// Both terminals hang up when that many bytes have been received on them since start(); with 0
-    /// at the first byte, below 0 never.
+    /// Both links hang up when that many bytes have been received on them since start(); with 0 at
+    /// the first byte, below 0 never.
     int hangUpAfter = -1;
+    /// The module is as slow as its lines and its flash: bytes take line time, and what arrives
+    /// while the flash is programmed is lost.
+    bool realTime = false;
 };
 
-/// A display module on two pseudo-terminals, which the tool opens like serial ports.
+/// How the tool reaches the module.
+enum class Way {
+    Terminals, ///< two pseudo-terminals, which the tool opens like serial ports
+    InProcess, ///< two ports SIM-UART2 and SIM-ED2, which a DirectLink opens
+};
+
+#ifdef K7_HAS_TERMINALS
+inline constexpr Way usualWay = Way::Terminals;
+#else
+inline constexpr Way usualWay = Way::InProcess;
+#endif
+
+/// A display module and the wires to it.
+///
+/// On each link the module hears garbage at any rate but its own: nothing is understood, nothing is
+/// answered, and a line of the trace says so when it begins.
 class Simulator : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit Simulator(const FrameFormat &format = FrameFormat(), QObject *parent = nullptr);
+    explicit Simulator(const ModuleSettings &settings = ModuleSettings(),
+                       QObject *parent = nullptr);
 
-    /// Opens both terminals. False when the system has none left; nothing is open then. Called
-    /// again it plugs the module in anew: its memory is as it was, its paths are others.
-    bool start();
-    /// Device files for the tool; empty before start() and after a hang-up.
-    QString uartPath() const { return m_uart.path(); }
-    QString ed2Path() const { return m_ed2.path(); }
+    /// Opens both links. False when the system has no pseudo-terminals, or none left; nothing is
+    /// open then. Called again it plugs the module in anew: its memory is as it was, its
+    /// pseudo-terminals are others.
+    bool start(Way way = usualWay);
+    /// Ports for the tool; empty before start() and after a hang-up.
+    QString uartPath() const { return pathOf(m_uart); }
+    QString ed2Path() const { return pathOf(m_ed2); }
+    /// The wire that a DirectLink opens as `portName`; null where there is none.
+    DirectWire *directWire(const QString &portName) const;
 
     Module &module() { return m_module; }
+    const Module &module() const { return m_module; }
     /// Holds for what is received from now on.
-    void setBehaviour(const Behaviour &behaviour) { m_behaviour = behaviour; }
+    void setBehaviour(const Behaviour &behaviour);
+    /// Has the module start with other settings; its memory is as it was.
+    void configure(const ModuleSettings &settings);
     /// Pulls the plug: both devices disappear, replies that have not gone out are dropped.
     void hangUp();
 
 signals:
-    /// A frame was understood; one line without a line break.
+    /// A frame was understood, or something was lost; one line without a line break.
     void traced(const QString &line);
+    /// What the screen shows may have changed.
+    void screenChanged();
     /// Both devices are gone.
     void hungUp();
 
 private:
+    struct Channel
+    {
+        Link link;
+        LineQueue line;
+        int heardRate; ///< of the last bytes
+        Wire *wire = nullptr;
+        ReplyQueue replies{};
+        QTimer lineTimer{};
+        qint64 lineTimerDue = 0; ///< nanoseconds of the clock
+        qint64 lag = 0;          ///< how late it has been since the line was empty, at most
+    };
+
+    void prepare(Channel &channel);
+    bool open(Channel &channel, Way way);
+    void receive(Channel &channel, const QByteArray &bytes, int rate);
+    bool hears(Channel &channel, int rate);
+    void onLineTimer(Channel &channel);
+    void deliverArrived(Channel &channel);
+    void deliver(Channel &channel, const QByteArray &bytes, qint64 arrival);
     void unplug();
-    void wire(Link link, PseudoTerminal &terminal, ReplyQueue &replies);
-    void receive(Link link, const QByteArray &bytes, ReplyQueue &replies);
     QByteArray noise() const;
+    static QString pathOf(const Channel &channel);
 
     Module m_module;
     Behaviour m_behaviour;
-    PseudoTerminal m_uart;
-    PseudoTerminal m_ed2;
-    ReplyQueue m_uartReplies;
-    ReplyQueue m_ed2Replies;
+    Channel m_uart;
+    Channel m_ed2;
     qint64 m_receivedBytes = 0;
+    QElapsedTimer m_clock;
 };
 
 } // namespace k7

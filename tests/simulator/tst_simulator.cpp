@@ -1,15 +1,13 @@
+#include "serial/qt_serial_link.h"
+#include "simulator/direct_link.h"
 #include "simulator/simulator.h"
+#include "support/event_loop.h"
 
 #include <QSignalSpy>
-#include <QtTest>
-
-#include <cerrno>
-#include <fcntl.h>
-#include <unistd.h>
 
 using k7::Behaviour;
-using k7::ReplyQueue;
 using k7::Simulator;
+using k7::Way;
 
 namespace {
 
@@ -18,306 +16,193 @@ const QByteArray version = QByteArray::fromHex("5AA50683000F014521");
 const QByteArray askPage = QByteArray::fromHex("5AA50483001401");
 const QByteArray page = QByteArray::fromHex("5AA506830014010000");
 
-/// The tool's side of a terminal, without any settings of its own.
-class Port
+/// The tool's end of a link, over either way.
+struct Port
 {
-public:
-    explicit Port(const QString &path)
-        : m_descriptor(::open(qPrintable(path), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
+    Port(const Simulator &simulator, const QString &name, int rate, Way way)
     {
-    }
-    ~Port()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    Q_DISABLE_COPY(Port)
-
-    bool write(const QByteArray &bytes)
-    {
-        return ::write(m_descriptor, bytes.constData(), static_cast<size_t>(bytes.size())) ==
-               bytes.size();
-    }
-    /// All that has come since the port was opened.
-    QByteArray received()
-    {
-        char buffer[4096];
-        ssize_t count;
-        while ((count = ::read(m_descriptor, buffer, sizeof buffer)) > 0)
-            m_received.append(buffer, static_cast<int>(count));
-        m_isGone = m_isGone || count == 0 || (errno != EAGAIN && errno != EINTR);
-        return m_received;
-    }
-    /// Whether reading has shown that there is no device any more.
-    bool isGone()
-    {
-        received();
-        return m_isGone;
+        if (way == Way::Terminals)
+            link = std::make_unique<QtSerialLink>();
+        else
+            link = std::make_unique<k7::DirectLink>(simulator);
+        QObject::connect(link.get(), &SerialLink::readyRead,
+                         [this] { received += link->readAll(); });
+        QObject::connect(link.get(), &SerialLink::lost, [this] { ++losses; });
+        link->setPortName(name);
+        link->setBaudRate(rate);
+        isOpen = link->open();
     }
 
-private:
-    const int m_descriptor;
-    QByteArray m_received;
-    bool m_isGone = false;
+    std::unique_ptr<SerialLink> link;
+    bool isOpen = false;
+    QByteArray received;
+    int losses = 0;
 };
 
 } // namespace
 
+/// The simulated module as the tool reaches it, the same over both ways.
 class SimulatorTest : public QObject
 {
     Q_OBJECT
 
-private slots:
-    void bothLinksAnswer();
-    void everyByteValuePassesTheTerminal();
-    void portCanBeOpenedAgain();
-    void repliesThatNobodyReadsAreKeptInOrder();
-    void repliesComeInOrder_data();
-    void repliesComeInOrder();
-    void noiseGoesBeforeEachReply();
-    void silentModuleObeysWithoutReply();
-    void bothDevicesDisappearOnHangUp();
-    void hangsUpAfterSoManyBytes_data();
-    void hangsUpAfterSoManyBytes();
-    void pluggedInAgainItKeepsItsMemory();
-    void queueCutsRepliesIntoPieces_data();
-    void queueCutsRepliesIntoPieces();
-    void clearedQueueSendsNothing();
-};
-
-void SimulatorTest::bothLinksAnswer()
-{
-    Simulator simulator;
-    QSignalSpy traced(&simulator, &Simulator::traced);
-    QVERIFY(simulator.start());
-    QVERIFY(simulator.uartPath() != simulator.ed2Path());
-    Port uart(simulator.uartPath());
-    Port ed2(simulator.ed2Path());
-    QVERIFY(uart.write(askVersion));
-    QTRY_COMPARE(uart.received().toHex(), version.toHex());
-    QVERIFY(ed2.write(QByteArray::fromHex("5AA50480F35A07")));
-    QTRY_COMPARE(ed2.received().toHex(), QByteArray("5aa503804f4b"));
-    QCOMPARE(traced.size(), 2);
-    QCOMPARE(traced.at(0).at(0).toString(), QString("UART2 read VP 0x000F, 1 word"));
-    QCOMPARE(traced.at(1).at(0).toString(), QString("ED2 write control 0xF3, 2 bytes"));
-}
-
-void SimulatorTest::everyByteValuePassesTheTerminal()
-{
-    QByteArray allBytes;
-    for (int value = 0; value < 256; ++value)
-        allBytes.append(static_cast<char>(value));
-    k7::PseudoTerminal terminal;
-    QByteArray received;
-    connect(&terminal, &k7::PseudoTerminal::received,
-            [&received](const QByteArray &bytes) { received += bytes; });
-    QVERIFY(terminal.open());
-    QVERIFY(!terminal.open());
-    Port port(terminal.path());
-    QVERIFY(port.write(allBytes));
-    QTRY_COMPARE(received.toHex(), allBytes.toHex());
-    terminal.write(allBytes);
-    QTRY_COMPARE(port.received().toHex(), allBytes.toHex());
-}
-
-void SimulatorTest::portCanBeOpenedAgain()
-{
-    Simulator simulator;
-    QVERIFY(simulator.start());
-    for (int i = 0; i < 3; ++i) {
-        Port uart(simulator.uartPath());
-        QVERIFY(uart.write(askVersion));
-        QTRY_COMPARE(uart.received().toHex(), version.toHex());
-    }
-}
-
-void SimulatorTest::repliesThatNobodyReadsAreKeptInOrder()
-{
-    constexpr int questions = 400;
-    Simulator simulator;
-    simulator.module().setVp(0x1000, 0xABCD);
-    QSignalSpy traced(&simulator, &Simulator::traced);
-    QVERIFY(simulator.start());
-    Port uart(simulator.uartPath());
-    // 125 words each, far more in all than a terminal holds.
-    QVERIFY(uart.write(QByteArray::fromHex("5AA5048310007D").repeated(questions)));
-    QTRY_COMPARE(traced.size(), questions);
-    QVERIFY(uart.write(askVersion));
-    QTRY_COMPARE(traced.size(), questions + 1);
-    const QByteArray reply = QByteArray::fromHex("5AA5FE8310007DABCD") + QByteArray(248, '\0');
-    QTRY_COMPARE(uart.received().size(), questions * reply.size() + version.size());
-    QCOMPARE(uart.received(), reply.repeated(questions) + version);
-}
-
-void SimulatorTest::repliesComeInOrder_data()
-{
-    QTest::addColumn<int>("delay");
-    QTest::addColumn<int>("split");
-    QTest::newRow("at once") << 0 << 0;
-    QTest::newRow("late") << 20 << 0;
-    QTest::newRow("byte by byte") << 0 << 1;
-    QTest::newRow("late, in pieces") << 5 << 4;
-}
-
-void SimulatorTest::repliesComeInOrder()
-{
-    QFETCH(int, delay);
-    QFETCH(int, split);
-    Simulator simulator;
-    Behaviour behaviour;
-    behaviour.delay = delay;
-    behaviour.split = split;
-    simulator.setBehaviour(behaviour);
-    QVERIFY(simulator.start());
-    Port uart(simulator.uartPath());
-    QElapsedTimer clock;
-    clock.start();
-    QVERIFY(uart.write(askVersion + askPage));
-    QVERIFY(uart.write(askVersion));
-    QTRY_COMPARE(uart.received().toHex(), (version + page + version).toHex());
-    QVERIFY(clock.elapsed() >= 3 * delay);
-}
-
-void SimulatorTest::noiseGoesBeforeEachReply()
-{
-    Simulator simulator;
-    Behaviour behaviour;
-    behaviour.noisy = true;
-    simulator.setBehaviour(behaviour);
-    QVERIFY(simulator.start());
-    Port uart(simulator.uartPath());
-    QVERIFY(uart.write(askVersion + askPage));
-    QTRY_VERIFY(uart.received().endsWith(page));
-    const int first = uart.received().indexOf(version);
-    const int second = uart.received().indexOf(page);
-    const QByteArray noise = uart.received().left(first);
-    QVERIFY(!noise.isEmpty());
-    QVERIFY(second > first + version.size());
-    for (const char forbidden : {'\x5A', 'O', 'K'})
-        QVERIFY(!noise.contains(forbidden));
-}
-
-void SimulatorTest::silentModuleObeysWithoutReply()
-{
-    Simulator simulator;
-    QSignalSpy traced(&simulator, &Simulator::traced);
-    Behaviour behaviour;
-    behaviour.silent = true;
-    simulator.setBehaviour(behaviour);
-    QVERIFY(simulator.start());
-    Port uart(simulator.uartPath());
-    QVERIFY(uart.write(QByteArray::fromHex("5AA507820084 5A010003")));
-    QTRY_COMPARE(traced.size(), 1);
-    QCOMPARE(simulator.module().picturePage(), 3);
-
-    // Replies keep their order, so a first one would come before this one.
-    simulator.setBehaviour(Behaviour());
-    QVERIFY(uart.write(askVersion));
-    QTRY_COMPARE(uart.received().toHex(), version.toHex());
-}
-
-void SimulatorTest::bothDevicesDisappearOnHangUp()
-{
-    Simulator simulator;
-    QSignalSpy hungUp(&simulator, &Simulator::hungUp);
-    QVERIFY(simulator.start());
-    Port uart(simulator.uartPath());
-    Port ed2(simulator.ed2Path());
-    QVERIFY(!uart.isGone());
-    simulator.hangUp();
-    QCOMPARE(hungUp.size(), 1);
-    QCOMPARE(simulator.uartPath(), QString());
-    QVERIFY(uart.isGone());
-    QVERIFY(ed2.isGone());
-}
-
-void SimulatorTest::hangsUpAfterSoManyBytes_data()
-{
-    QTest::addColumn<int>("limit");
-    QTest::addColumn<int>("understood");
-    QTest::newRow("the first byte") << 0 << 0;
-    QTest::newRow("within a frame") << 6 << 0;
-    QTest::newRow("at its end") << 7 << 1;
-    QTest::newRow("within the second") << 13 << 1;
-}
-
-void SimulatorTest::hangsUpAfterSoManyBytes()
-{
-    QFETCH(int, limit);
-    QFETCH(int, understood);
-    Simulator simulator;
-    QSignalSpy traced(&simulator, &Simulator::traced);
-    QSignalSpy hungUp(&simulator, &Simulator::hungUp);
-    Behaviour behaviour;
-    behaviour.hangUpAfter = limit;
-    simulator.setBehaviour(behaviour);
-    QVERIFY(simulator.start());
-    Port uart(simulator.uartPath());
-    Port ed2(simulator.ed2Path());
-    QVERIFY(uart.write(askVersion + askPage));
-    QTRY_VERIFY(uart.isGone());
-    QVERIFY(ed2.isGone());
-    QCOMPARE(hungUp.size(), 1);
-    QCOMPARE(traced.size(), understood);
-    QCOMPARE(uart.received(), QByteArray());
-}
-
-void SimulatorTest::pluggedInAgainItKeepsItsMemory()
-{
-    Simulator simulator;
-    QVERIFY(simulator.start());
-    simulator.module().setVp(0x0014, 0x0102);
+private:
+    static void addWays()
     {
-        Port uart(simulator.uartPath());
-        QVERIFY(uart.write(askPage.left(5)));
-        Behaviour behaviour;
-        behaviour.hangUpAfter = 5;
-        simulator.setBehaviour(behaviour);
-        QTRY_VERIFY(uart.isGone());
+        QTest::addColumn<bool>("isDirect");
+        QTest::newRow("terminals") << false;
+        QTest::newRow("in the process") << true;
     }
-    simulator.setBehaviour(Behaviour());
-    QVERIFY(simulator.start());
-    Port uart(simulator.uartPath());
-    QVERIFY(uart.write(askPage));
-    QTRY_COMPARE(uart.received().toHex(), QByteArray("5aa506830014010102"));
-}
+    void start()
+    {
+        QFETCH(const bool, isDirect);
+        m_way = isDirect ? Way::InProcess : Way::Terminals;
+        m_simulator = std::make_unique<Simulator>();
+        m_lines.clear();
+        connect(m_simulator.get(), &Simulator::traced,
+                [this](const QString &line) { m_lines.append(line); });
+        QVERIFY(m_simulator->start(m_way));
+    }
+    Port uart() { return {*m_simulator, m_simulator->uartPath(), 115200, m_way}; }
+    Port ed2(int rate) { return {*m_simulator, m_simulator->ed2Path(), rate, m_way}; }
 
-void SimulatorTest::queueCutsRepliesIntoPieces_data()
-{
-    QTest::addColumn<int>("split");
-    QTest::addColumn<QByteArrayList>("pieces");
-    QTest::newRow("whole") << 0 << QByteArrayList({"abcdefg", "hi"});
-    QTest::newRow("negative is whole") << -1 << QByteArrayList({"abcdefg", "hi"});
-    QTest::newRow("single bytes") << 1
-                                  << QByteArrayList({"a", "b", "c", "d", "e", "f", "g", "h", "i"});
-    QTest::newRow("with a rest") << 3 << QByteArrayList({"abc", "def", "g", "hi"});
-    QTest::newRow("longer than any") << INT_MAX << QByteArrayList({"abcdefg", "hi"});
-}
+    Way m_way = Way::Terminals;
+    std::unique_ptr<Simulator> m_simulator;
+    QStringList m_lines;
 
-void SimulatorTest::queueCutsRepliesIntoPieces()
-{
-    QFETCH(int, split);
-    QFETCH(QByteArrayList, pieces);
-    ReplyQueue queue;
-    QByteArrayList sent;
-    connect(&queue, &ReplyQueue::due, [&sent](const QByteArray &piece) { sent.append(piece); });
-    queue.enqueue("abcdefg", 0, split);
-    queue.enqueue(QByteArray(), 0, split);
-    queue.enqueue("hi", -1, split);
-    QCOMPARE(sent.size(), 0);
-    QTRY_COMPARE(sent, pieces);
-}
+private slots:
+    void bothLinksAnswerAtTheirRateOnly_data() { addWays(); }
+    void bothLinksAnswerAtTheirRateOnly()
+    {
+        start();
+        Port port = uart();
+        Port fast = ed2(115200);
+        const QByteArray handshake = QByteArray::fromHex("5AA50480F35A07");
+        fast.link->write(handshake);
+        COMPARE_SOON(m_lines, QStringList{"ED2 hears garbage: 115200 bit/s instead of 6250000"});
+        fast.link->write(handshake); // says so once
+        runEventLoop(20);
+        fast.link->setBaudRate(6250000);
+        fast.link->write(handshake);
+        COMPARE_SOON(fast.received.toHex(), QByteArray("5aa503804f4b"));
+        port.link->write(askVersion);
+        COMPARE_SOON(port.received.toHex(), version.toHex());
+        port.link->setBaudRate(128000);
+        port.link->write(askVersion);
+        COMPARE_SOON(m_lines.size(), 4);
+        QCOMPARE(m_lines.last(), QString("UART2 hears garbage: 128000 bit/s instead of 115200"));
+        QCOMPARE(port.received, version);
+    }
 
-void SimulatorTest::clearedQueueSendsNothing()
-{
-    ReplyQueue queue;
-    QByteArrayList sent;
-    connect(&queue, &ReplyQueue::due, [&sent](const QByteArray &piece) { sent.append(piece); });
-    queue.enqueue("dropped", 0, 1);
-    queue.clear();
-    queue.enqueue("sent", 0, 0);
-    QTRY_COMPARE(sent, QByteArrayList({"sent"}));
-}
+    void everyByteValuePassesInOrder_data() { addWays(); }
+    void everyByteValuePassesInOrder()
+    {
+        start();
+        QByteArray block;
+        for (int i = 0; i < k7::Flash::blockBytes; ++i)
+            block.append(static_cast<char>(i + i / 256));
+        Port fast = ed2(6250000);
+        fast.link->write(QByteArray::fromHex("5AA50480F35A07") + block);
+        COMPARE_SOON(m_simulator->module().flash().read(7 * block.size(), block.size()), block);
+        // Far more replies in all than a terminal holds.
+        Port port = uart();
+        port.link->write(QByteArray::fromHex("5AA5048310007D").repeated(400) + askVersion);
+        COMPARE_SOON(port.received.size(), 400 * 257 + version.size());
+        QVERIFY(port.received.endsWith(version));
+    }
+
+    void portsAreFoundAndTakenOnce_data() { addWays(); }
+    void portsAreFoundAndTakenOnce()
+    {
+        start();
+        Port port = uart();
+        QVERIFY(port.isOpen && !port.link->open() && port.link->isOpen());
+        port.link->write(askVersion);
+        port.link->close();
+        port.link->write("lost");
+        runEventLoop(20);
+        QVERIFY(port.link->open());
+        // What came while it was closed is forgotten; poll() needs no event of the link.
+        port.link->write(askPage);
+        runEventLoopUntil([this] { return m_lines.size() == 2; });
+        for (int i = 0; i < 100000 && port.received.isEmpty(); ++i) {
+            QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+            port.link->poll();
+        }
+        QCOMPARE(port.received.toHex(), page.toHex());
+        const Port nowhere(*m_simulator, "nowhere", 115200, m_way);
+        QVERIFY(!nowhere.isOpen && nowhere.link->openFailure() == OpenFailure::NoSuchPort);
+        if (m_way == Way::InProcess) {
+            const Port second = uart();
+            QVERIFY(!second.isOpen && second.link->openFailure() == OpenFailure::InUse);
+            QCOMPARE(m_simulator->uartPath() + m_simulator->ed2Path(), QString("SIM-UART2SIM-ED2"));
+        }
+    }
+
+    void wiringMayBeBad_data() { addWays(); }
+    void wiringMayBeBad()
+    {
+        start();
+        Port port = uart();
+        const Behaviour rows[] = {
+            {0, false, false, 1, -1, false}, {5, false, false, 4, -1, false},
+            {0, false, true, 0, -1, false},  {0, true, false, 0, -1, false},
+            {0, false, false, 0, -1, true},
+        };
+        for (const Behaviour &behaviour : rows) {
+            m_simulator->setBehaviour(behaviour);
+            m_lines.clear();
+            port.received.clear();
+            port.link->write(askVersion + askPage);
+            COMPARE_SOON(m_lines.size(), 2);
+            const bool isAnswered = !behaviour.silent;
+            runEventLoopUntil([&] { return port.received.endsWith(page); }, isAnswered ? 5000 : 20);
+            QCOMPARE(port.received.contains(version) && port.received.endsWith(page), isAnswered);
+            const int noise = port.received.size() - version.size() - page.size();
+            QCOMPARE(noise > 0, behaviour.noisy);
+        }
+    }
+
+    void hangsUpAfterSoManyBytes_data() { addWays(); }
+    void hangsUpAfterSoManyBytes()
+    {
+        const std::pair<int, int> rows[] = {{0, 0}, {6, 0}, {7, 1}, {13, 1}};
+        for (const auto &[limit, understood] : rows) {
+            start();
+            Behaviour behaviour;
+            behaviour.hangUpAfter = limit;
+            m_simulator->setBehaviour(behaviour);
+            QSignalSpy hungUp(m_simulator.get(), &Simulator::hungUp);
+            Port port = uart();
+            Port fast = ed2(6250000);
+            port.link->write(askVersion + askPage);
+            COMPARE_SOON(port.losses + fast.losses, 2);
+            QCOMPARE(hungUp.size(), 1);
+            QCOMPARE(m_lines.size(), understood);
+            QVERIFY(!port.link->isOpen() && m_simulator->uartPath().isEmpty());
+            // Plugged in again it remembers, but for the unfinished frame.
+            m_simulator->setBehaviour(Behaviour());
+            m_simulator->module().setVp(0x0014, 0x0102);
+            QVERIFY(m_simulator->start(m_way));
+            Port again = uart();
+            again.link->write(askPage);
+            COMPARE_SOON(again.received.toHex(), QByteArray("5aa506830014010102"));
+        }
+    }
+
+    void bytesTakeTheirTimeOnTheLine()
+    {
+        k7::LineQueue line(115200); // 86 805 ns a byte
+        line.send("abc", 1000);
+        QCOMPARE(line.takeArrived(1000 + 86804), QByteArray());
+        QCOMPARE(line.takeArrived(1000 + 2 * 86805), QByteArray("ab"));
+        line.send("de", 1000 + 2 * 86805 + 5);
+        QCOMPARE(line.takeArrived(1000 + 4 * 86805), QByteArray("cd"));
+        QCOMPARE(line.takeArrived(1'000'000'000), QByteArray("e"));
+        line.send("f", 2'000'000'000);
+        QCOMPARE(line.takeArrived(2'000'000'001), QByteArray());
+    }
+};
 
 QTEST_GUILESS_MAIN(SimulatorTest)
 #include "tst_simulator.moc"

@@ -8,13 +8,13 @@
 /// tick that writes.
 struct ModuleBench : StepBench
 {
-    explicit ModuleBench(bool crc = false) : module(k7::FrameFormat{0x5A, 0xA5, crc})
+    explicit ModuleBench(bool crc = false) : module(k7::ModuleSettings{{0x5A, 0xA5, crc}})
     {
         builder.setHeader(0x5A, 0xA5, crc);
         replies.setHeader(0x5A, 0xA5);
         link.whenWritten = [this](const QByteArray &bytes) {
             writeTicks.append(ticks);
-            for (const QByteArray &reply : module.receive(k7::Link::Uart2, bytes))
+            for (const QByteArray &reply : module.receive(k7::Link::Uart2, bytes, ticks))
                 if (answers)
                     replies.receive(reply);
         };

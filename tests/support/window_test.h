@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/choose_in_dialog.h"
+#include "app/confirm_settings.h"
 #include "app/dialog.h"
 #include "app/message_boxes.h"
 #include "serial/serial_set.h"
@@ -36,6 +37,7 @@ protected:
     /// has no terminals for it.
     bool openWindow()
     {
+        closeWindow();
         QFile::remove(QCoreApplication::applicationDirPath() + "/SystemConfig.ini");
         m_folder = std::make_unique<QTemporaryDir>();
         m_boxes = std::make_unique<MessageBoxes>();
@@ -47,6 +49,20 @@ protected:
         m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
         m_dialog->show();
         return true;
+    }
+    /// Confirms 6250000 baud in the settings dialog of the ED2 link, as everybody must who wants to
+    /// use it.
+    void confirmEd2Rate()
+    {
+        confirmNextSettings();
+        click("serialSet_2");
+    }
+    /// What the module is told when it starts.
+    void useLayout(k7::Layout layout)
+    {
+        k7::ModuleSettings settings;
+        settings.layout = layout;
+        m_simulator->configure(settings);
     }
     void closeWindow()
     {

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace k7 {
+
+/// A descriptor that becomes readable when the program is interrupted or terminated; -1 when there
+/// can be none.
+int catchStopSignals();
+
+} // namespace k7
