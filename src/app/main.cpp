@@ -2,12 +2,14 @@
 #include "app/screenshots.h"
 #include "app/tour.h"
 #include "serial/serial_set.h"
+#include "simulator/screen_window.h"
 #include "simulator/simulator.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QIcon>
+#include <QScreen>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -25,14 +27,48 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
     return std::make_unique<QApplication>(argc, argv);
 }
 
-/// The exit status of the tour.
-int takeTour(Dialog &dialog, k7::Simulator &simulator, const QString &folder)
+/// Starts a module as slow as a real one, and has `dialog` use its ports. False when the system has
+/// no pseudo-terminals for it.
+bool plugIn(k7::Simulator &simulator, Dialog &dialog)
 {
-    if (simulator.uartPath().isEmpty()) {
+    k7::Behaviour behaviour;
+    behaviour.realTime = true;
+    simulator.setBehaviour(behaviour);
+    // The window opens ports of the system only, so that links within the process are no way to it.
+    if (!simulator.start(k7::Way::Terminals))
+        return false;
+    dialog.offerPorts({simulator.uartPath(), simulator.ed2Path()});
+    dialog.usePorts(simulator.uartPath(), simulator.ed2Path());
+    return true;
+}
+
+/// Shows `screen` beside `dialog` where the desktop has room for both, else wherever it comes to
+/// lie. The dialog is the window in use, and closing it ends the program.
+void showBeside(k7::ScreenWindow &screen, Dialog &dialog)
+{
+    constexpr int gap = 8;
+    screen.setAttribute(Qt::WA_QuitOnClose, false);
+    const QRect desktop = dialog.screen()->availableGeometry();
+    const QSize tool = dialog.frameGeometry().size();
+    const int room = desktop.width() - tool.width() - gap - screen.sizeHint().width();
+    if (room >= 0) {
+        dialog.move(desktop.left() + room / 2, dialog.y());
+        screen.move(dialog.x() + tool.width() + gap, dialog.y());
+    }
+    screen.show();
+    dialog.activateWindow();
+    dialog.raise();
+}
+
+/// The exit status of the tour.
+int takeTour(Dialog &dialog, k7::Simulator &simulator, k7::ScreenWindow *screen,
+             const QString &folder)
+{
+    if (!screen) {
         std::fputs("The tour needs --simulate.\n", stderr);
         return 2;
     }
-    const bool allHeld = runTour(dialog, simulator, folder, [](const QString &line) {
+    const bool allHeld = runTour(dialog, simulator, *screen, folder, [](const QString &line) {
         std::puts(qPrintable(line));
         std::fflush(stdout);
     });
@@ -51,7 +87,8 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(VORAII_VERSION);
 
     const QCommandLineOption simulate("simulate",
-                                      "Start a simulated module and use its two ports.");
+                                      "Start a simulated module, use its two ports, and show its "
+                                      "screen.");
     const QCommandLineOption simulateAlone("simulate-without-ports",
                                            "The same, where the system lists no serial port.");
     const QCommandLineOption port(
@@ -62,7 +99,7 @@ int main(int argc, char *argv[])
     const QCommandLineOption tour(
         "tour",
         "With --simulate: drive the window through all it can do, compare what comes of it, save "
-        "pictures of the pages, and exit.",
+        "pictures of the pages and of the module's screen, and exit.",
         "DIR");
     QCommandLineParser parser;
     parser.setApplicationDescription("Talks to K7 display modules and prepares their files.");
@@ -84,14 +121,11 @@ int main(int argc, char *argv[])
     dialog.setResolutionText("480X272");
     dialog.offerPorts(parser.values(port));
     const bool isAlone = parser.isSet(simulateAlone) && SerialSet::systemPorts().isEmpty();
-    if (parser.isSet(simulate) || isAlone) {
-        if (!simulator.start()) {
-            std::fputs("The simulated module needs two pseudo-terminals, and there are none.\n",
-                       stderr);
-            return 1;
-        }
-        dialog.offerPorts({simulator.uartPath(), simulator.ed2Path()});
-        dialog.usePorts(simulator.uartPath(), simulator.ed2Path());
+    const bool isSimulated = parser.isSet(simulate) || isAlone;
+    if (isSimulated && !plugIn(simulator, dialog)) {
+        std::fputs("The simulated module needs two pseudo-terminals, and there are none.\n",
+                   stderr);
+        return 1;
     }
     dialog.selectLanguage(parser.value(language));
     dialog.show();
@@ -101,7 +135,12 @@ int main(int argc, char *argv[])
         std::fputs("Some pictures could not be written.\n", stderr);
         return 1;
     }
+    std::unique_ptr<k7::ScreenWindow> screen;
+    if (isSimulated) {
+        screen = std::make_unique<k7::ScreenWindow>(simulator);
+        showBeside(*screen, dialog);
+    }
     if (parser.isSet(tour))
-        return takeTour(dialog, simulator, parser.value(tour));
+        return takeTour(dialog, simulator, screen.get(), parser.value(tour));
     return QApplication::exec();
 }

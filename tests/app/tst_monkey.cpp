@@ -21,6 +21,7 @@ private slots:
         const int seconds = qMax(5, qgetenv("VORAII_MONKEY_SECONDS").toInt());
         qInfo("VORAII_MONKEY_SEED=%u", seed);
         m_random.seed(seed);
+        confirmEd2Rate();
 
         for (const char *name : {"1_a.bin", "2_b.ICO", "3_c.CFG", "4.txt", "ZOLTOS.bin", "5.jpg"})
             m_paths.append(write(name, "K7D1" + randomBytes(m_random.bounded(20000))));

@@ -40,8 +40,18 @@ struct Bench : ModuleBench
                                   module.vp(static_cast<quint16>(0x1000 + content.size() / 2)));
         return content.left(bytes);
     }
+    /// Plugs in the module that takes what is sent.
+    void useLayout(k7::Layout layout)
+    {
+        k7::ModuleSettings settings = module.settings();
+        settings.layout = layout;
+        module.configure(settings);
+    }
     void start(int type, const QByteArray &content)
     {
+        useLayout(type == commandType::pagedBmpDownload ? k7::Layout::K7uid2
+                  : isK7Uid1                            ? k7::Layout::K7uid1
+                                                        : k7::Layout::K7uid3);
         if (type == commandType::bmpDownload)
             linearBmp->start(content);
         else if (type == commandType::pagedBmpDownload)
@@ -201,7 +211,7 @@ private slots:
         QVERIFY(bench.finish());
         QCOMPARE(bench.link.written.last(),
                  QByteArray::fromHex("5AA50B82 00A2 5A80 0000 7801 0068"));
-        QVERIFY(bench.module.pictureMemory().left(pixels.size()) == pixels);
+        QVERIFY(bench.module.pictureMemory() == pixels);
     }
 
     void onlyPagedChunksAreFilledWithZeros()

@@ -148,7 +148,7 @@ private slots:
             {"000000 5AA503830011", 0, 1, 0xFF, 0xFFFF}, // no count
             {"000000 5AA503810011", 1, 0, 0xFF, 0xFFFF}, {"5AA505810010FF 01", 1, 0, 0, 0xFFFF},
             {"5AA50183 001100", 0, 0, 0xFF, 0xFFFF}, // no address
-            {"5AA5028300 1100", 0, 0, 0xFF, 0xFFFF},   {"5AA5028100 1000", 0, 0, 0xFF, 0xFFFF},
+            {"5AA5028300 1100", 0, 0, 0xFF, 0xFFFF},     {"5AA5028100 1000", 0, 0, 0xFF, 0xFFFF},
             {"5AA500 5AA500", 0, 0, 0xFF, 0xFFFF},
         };
         for (const auto &[bytes, registersRead, vpRead, registerValue, word] : cases) {

@@ -1,0 +1,151 @@
+#include "app/tour_person.h"
+
+#include "app/choose_in_dialog.h"
+#include "app/confirm_settings.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QFile>
+#include <QPainter>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QTableWidget>
+
+void TourPerson::press(const char *name)
+{
+    find<QAbstractButton>(name)->click();
+}
+
+void TourPerson::set(const char *name, int value)
+{
+    find<QSpinBox>(name)->setValue(value);
+}
+
+int TourPerson::value(const char *name)
+{
+    return find<QSpinBox>(name)->value();
+}
+
+void TourPerson::select(const char *name, const QString &text)
+{
+    find<QComboBox>(name)->setCurrentText(text);
+}
+
+void TourPerson::type(const char *name, const QString &text)
+{
+    find<QLineEdit>(name)->setText(text);
+}
+
+void TourPerson::check(const char *name, bool isOn)
+{
+    auto *button = find<QAbstractButton>(name);
+    if (button->isChecked() != isOn)
+        button->click();
+}
+
+bool TourPerson::isChecked(const char *name)
+{
+    return find<QAbstractButton>(name)->isChecked();
+}
+
+void TourPerson::show(const char *page)
+{
+    for (auto *widget = find<QWidget>(page); widget; widget = widget->parentWidget())
+        for (auto *tabs : m_dialog.findChildren<QTabWidget *>())
+            if (tabs->indexOf(widget) >= 0)
+                tabs->setCurrentWidget(widget);
+}
+
+void TourPerson::choose(const char *button, const QStringList &paths)
+{
+    chooseInNextDialog(paths);
+    press(button);
+}
+
+void TourPerson::confirm(const char *button, const std::function<void(SerialSet &)> &edit)
+{
+    confirmNextSettings(edit);
+    press(button);
+}
+
+void TourPerson::useLayout(const QString &layout)
+{
+    select("K7UIModel_2", layout);
+    k7::ModuleSettings settings = module().settings();
+    settings.layout = layout == "K7UID1"   ? k7::Layout::K7uid1
+                      : layout == "K7UID2" ? k7::Layout::K7uid2
+                                           : k7::Layout::K7uid3;
+    m_simulator.configure(settings);
+}
+
+bool TourPerson::pressAndRead(const char *button, const QString &text)
+{
+    m_boxes.texts.clear();
+    press(button);
+    runEventLoopUntil([this] { return !m_boxes.texts.isEmpty(); }, 60000);
+    return m_boxes.texts == QStringList{text};
+}
+
+bool TourPerson::pressUntil(const char *button, const std::function<bool()> &isDone)
+{
+    press(button);
+    runEventLoopUntil(isDone);
+    runEventLoop(120);
+    return isDone();
+}
+
+bool TourPerson::crcHolds(const QString &path)
+{
+    choose("openFile", {path});
+    if (!pressAndRead("compareCheck", "Check finish !"))
+        return false;
+    auto *table = find<QTableWidget>("crcTableWidget");
+    bool allEqual = table->rowCount() > 0;
+    for (int row = 0; row < table->rowCount(); ++row)
+        allEqual = allEqual && table->item(row, 3)->text() == "true";
+    return allEqual;
+}
+
+QString TourPerson::write(const QString &name, const QByteArray &content)
+{
+    QFile file(filePath(name));
+    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    return isWritten ? filePath(name) : QString();
+}
+
+QString TourPerson::write(const QString &name, const QImage &image)
+{
+    return image.save(filePath(name)) ? filePath(name) : QString();
+}
+
+QByteArray tourPattern(int bytes)
+{
+    QByteArray content(bytes, Qt::Uninitialized);
+    for (int i = 0; i < bytes; ++i)
+        content[i] = static_cast<char>(i * 31 + (i >> 8) * 7 + (i >> 16) * 13);
+    return content;
+}
+
+QImage tourDrawing(const QSize &size, int hue)
+{
+    QImage image(size, QImage::Format_RGB32);
+    QPainter painter(&image);
+    painter.fillRect(image.rect(), QColor::fromHsv(hue, 120, 90));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(QColor::fromHsv(hue, 200, 230));
+    painter.drawEllipse(image.rect().adjusted(size.width() / 8, size.height() / 8,
+                                              -size.width() / 8, -size.height() / 8));
+    return image;
+}
+
+QByteArray naivePixels(const QImage &image)
+{
+    QByteArray pixels;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb color = image.pixel(x, y);
+            const int word = qRed(color) / 8 * 2048 + qGreen(color) / 4 * 32 + qBlue(color) / 8;
+            pixels.append(static_cast<char>(word / 256)).append(static_cast<char>(word % 256));
+        }
+    return pixels;
+}
