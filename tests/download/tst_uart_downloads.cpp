@@ -150,7 +150,7 @@ private slots:
              {std::tuple(linear, 9600, 480, 335, Ticks{1, 335, 355, 689}, 708),
               {linear, 115200, 480, 29, {1, 29, 32, 60}, 62},
               {linear, 6250000, 480, 2, {1, 2, 3, 4}, 4},
-              {paged, 115200, 8194, 955, {1, 955, 957, 1911}, 1912},
+              {paged, 9600, 8194, 11442, {1, 11442, 11461, 22902}, 22920},
               {paged, 6250000, 8194, 19, {1, 19, 20, 38}, 38},
               // Two chunks, then the display command on the tick that ends the last.
               {jpg, 115200, 300, 28, {1, 30, 58}, 60},
@@ -348,6 +348,7 @@ private slots:
             const Row row(answers);
             Bench bench;
             bench.answers = answers;
+            bench.session.replyReceived = true; // of an earlier exchange
             bench.os->load(QByteArray(4096, 0) + "ab");
             bench.os->start();
             // Ticks go on while a box is open, and each opens one more. Each that is closed starts
@@ -368,7 +369,7 @@ private slots:
 
     void largeJpegsAreCompressedUntilTheyFit()
     {
-        QImage noise(400, 300, QImage::Format_RGB32);
+        QImage noise(80, 60, QImage::Format_RGB32);
         const QByteArray bytes = randomBytes(static_cast<int>(noise.sizeInBytes()));
         std::copy(bytes.begin(), bytes.end(), noise.bits());
         const auto encoded = [](const QImage &image, int quality) {
@@ -377,18 +378,14 @@ private slots:
             return jpeg.data();
         };
         const QByteArray original = encoded(noise, 100);
-        QVERIFY(original.size() > 0xFFFF);
-        QByteArray expected;
         for (const int quality : {90, 81, 72, 65, 59, 53, 47, 43, 38, 34, 31, 28, 25, 22, 20}) {
-            expected = encoded(picture::decode(original), quality);
-            if (expected.size() <= 0xFFFF)
-                break;
+            const QByteArray expected = encoded(picture::decode(original), quality);
+            QVERIFY(expected.size() < original.size());
+            QCOMPARE(jpegWithin(original, expected.size()).bytes, expected);
         }
-        QVERIFY(expected.size() <= 0xFFFF);
-        QCOMPARE(jpegWithin(original, 0xFFFF).bytes, expected);
-        QCOMPARE(jpegWithin("as it is", 0xFFFF).bytes, QByteArray("as it is"));
-        QCOMPARE(jpegWithin(QByteArray(0x10000, 'x'), 0xFFFF).refusal, &texts::fileIsNotPicture);
-        QCOMPARE(jpegWithin(original, 1000).refusal, &texts::jpegTooLarge);
+        QCOMPARE(jpegWithin("as it is", 8).bytes, QByteArray("as it is"));
+        QCOMPARE(jpegWithin("no picture", 8).refusal, &texts::fileIsNotPicture);
+        QCOMPARE(jpegWithin(original, 100).refusal, &texts::jpegTooLarge);
     }
 
 private:
