@@ -334,7 +334,7 @@ private slots:
         COMPARE_SOON(line("displayVersion"), QString("GUI:V4.5 OS:V2.1"));
     }
 
-    void clearedLogShowsNoEmptyLine()
+    void logShowsNoEmptyLineAndHasAnEnd()
     {
         TrafficLog log;
         const QSignalSpy batches(&log, &TrafficLog::linesReady);
@@ -342,6 +342,8 @@ private slots:
         log.clear();
         runEventLoop(100);
         QVERIFY(batches.isEmpty());
+        const int most = find<QTextEdit>("receiveText")->document()->maximumBlockCount();
+        QCOMPARE(most, TrafficLog::maxLines);
     }
 
     void escapeKeepsTheWindowOpen()
