@@ -44,6 +44,9 @@ private slots:
         const auto ports = QSerialPortInfo::availablePorts();
         QCOMPARE(set.settings().portName,
                  ports.isEmpty() ? QString("Refresh") : ports.last().portName());
+        for (const char *rate : {"1200", "2400", "4800", "9600", "19200", "38400", "56000", "57600",
+                                 "128000", "230400", "460800", "921600", "6250000"})
+            QVERIFY2(comboWith(set, rate), rate);
         QSignalSpy accepted(&set, &SerialSet::accepted);
         set.show();
         comboWith(set, "460800")->setCurrentText("460800");
