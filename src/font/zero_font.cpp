@@ -3,20 +3,41 @@
 #include "common/replace_file.h"
 
 #include <QPainter>
+#include <QThread>
 #include <QThreadPool>
 
 #include <array>
 #include <atomic>
 #include <future>
+#include <memory>
 #include <vector>
 
 namespace zeroFont {
 
 namespace {
 
-// All drawing is done on threads that have used no font before: a font that has drawn at a fraction
-// of a pixel draws large glyphs that fraction of a font unit aside ever after, and each thread has
-// fonts of its own.
+/// Works on a thread that has used no font before, and waits for it when it is destroyed. A font
+/// that has drawn at a fraction of a pixel draws large glyphs that fraction of a font unit aside
+/// ever after, and each thread has fonts of its own: what is drawn here does not depend on what was
+/// drawn before.
+class FreshThread
+{
+public:
+    template<typename Work>
+    explicit FreshThread(Work work) : m_thread(QThread::create(work))
+    {
+        m_thread->start();
+    }
+    FreshThread(FreshThread &&) = default;
+    ~FreshThread()
+    {
+        if (m_thread)
+            m_thread->wait();
+    }
+
+private:
+    std::unique_ptr<QThread> m_thread;
+};
 
 QImage draw(const QString &text, const GlyphStyle &style)
 {
@@ -52,9 +73,9 @@ QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showPro
             blocks[static_cast<size_t>(i)].set_value(
                 glyph::block(glyph::minSize + i, style, drawn));
     };
-    std::vector<std::future<void>> threads;
+    std::vector<FreshThread> threads;
     for (int i = 0; i < QThreadPool::globalInstance()->maxThreadCount(); ++i)
-        threads.push_back(std::async(std::launch::async, work));
+        threads.emplace_back(work);
     QByteArray font;
     showProgress(0);
     for (int i = 0; i < sizes; ++i) {
@@ -71,7 +92,9 @@ void write(const QString &folder, const QByteArray &font)
 
 QImage preview(const QString &text, const GlyphStyle &style)
 {
-    return std::async(std::launch::async, &draw, text, style).get();
+    QImage picture;
+    FreshThread([&] { picture = draw(text, style); });
+    return picture;
 }
 
 } // namespace zeroFont

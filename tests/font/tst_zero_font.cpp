@@ -123,6 +123,14 @@ private slots:
         QCOMPARE(progress.mid(59), (QVector<int>{96, 98, 100}));
         QThreadPool::globalInstance()->setMaxThreadCount(1);
         QVERIFY(zeroFont::make(dejaVu(), silent) == first);
+        // Whatever was drawn in between.
+        GlyphStyle plain = dejaVu();
+        plain.horScale = plain.verScale = plain.horShift = plain.verShift = 0;
+        const QByteArray atPixels = zeroFont::make(plain, silent);
+        plain.horShift = 99;
+        zeroFont::make(plain, silent);
+        plain.horShift = 0;
+        QVERIFY(zeroFont::make(plain, silent) == atPixels);
         QThreadPool::globalInstance()->setMaxThreadCount(QThread::idealThreadCount());
     }
 
