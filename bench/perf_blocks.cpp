@@ -1,9 +1,8 @@
 // The timing of ED2 downloads, as the module sees it.
 
 #include "bench/measure.h"
-#include "download/block_download.h"
-#include "download/heartbeat.h"
-#include "download/step_dispatch.h"
+#include "download/downloads.h"
+#include "engine/engine.h"
 #include "serial/qt_serial_link.h"
 #include "simulator/pseudo_terminal.h"
 
@@ -26,21 +25,18 @@ struct Arrivals
 };
 
 /// Downloads five small blocks and notes when they arrive.
-Arrivals download(const BlockDownload::Kind &kind, int endTick)
+Arrivals download(BlockDownload &(*step)(Downloads &), const BlockDownload::Kind &kind, int endTick)
 {
     k7::PseudoTerminal terminal;
     terminal.open();
-    QtSerialLink link;
-    link.setPortName(terminal.path());
-    DownloadSession session;
+    QtSerialLink uart;
+    QtSerialLink ed2;
     SilentNotices notices;
-    StepDispatch dispatch(session);
-    auto owned = std::make_unique<BlockDownload>(
-        session, link, notices, kind, [endTick] { return endTick; }, [](int) {});
-    BlockDownload &step = *owned;
-    dispatch.add(kind.commandType, std::move(owned));
-    Heartbeat heartbeat(session, dispatch, [&link] { link.poll(); });
-    heartbeat.start();
+    Engine engine(uart, ed2, notices);
+    engine.useUart({});
+    engine.useEd2({terminal.path(), 6250000});
+    Downloads downloads(engine);
+    engine.start();
 
     Arrivals arrivals;
     QElapsedTimer time;
@@ -50,16 +46,18 @@ Arrivals download(const BlockDownload::Kind &kind, int endTick)
                          const double now = static_cast<double>(time.nsecsElapsed()) * 1e-6;
                          const bool isHandshake = bytes.startsWith(kind.handshake);
                          (isHandshake ? arrivals.handshakes : arrivals.data).append(now);
-                         session.replyReceived = true;
+                         if (isHandshake)
+                             terminal.write("OK");
                      });
-    step.start(QVector<BlockDownload::Block>(5, {1, "block"}));
+    step(downloads).start(QVector<BlockDownload::Block>(5, {1, "block"}));
     QCoreApplication::exec();
     return arrivals;
 }
 
-void measureKind(const char *name, const BlockDownload::Kind &kind, int endTick)
+void measureKind(const char *name, BlockDownload &(*step)(Downloads &),
+                 const BlockDownload::Kind &kind, int endTick)
 {
-    const Arrivals arrivals = download(kind, endTick);
+    const Arrivals arrivals = download(step, kind, endTick);
     double worst = 0;
     int late = 0;
     int waits = 0;
@@ -83,7 +81,13 @@ void measureKind(const char *name, const BlockDownload::Kind &kind, int endTick)
 int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
-    measureKind("PERF_FONT_BLOCKS_WORST_MS", BlockDownload::fonts(), BlockDownload::fontEndTick);
-    measureKind("PERF_PICTURES_WORST_MS", BlockDownload::pictures(), 480 * 272 / 313 + 500);
+    measureKind(
+        "PERF_FONT_BLOCKS_WORST_MS",
+        [](Downloads &downloads) -> BlockDownload & { return downloads.fonts; },
+        BlockDownload::fonts(), BlockDownload::fontEndTick);
+    measureKind(
+        "PERF_PICTURES_WORST_MS",
+        [](Downloads &downloads) -> BlockDownload & { return downloads.pictures; },
+        BlockDownload::pictures(), 480 * 272 / 313 + 500);
     return 0;
 }

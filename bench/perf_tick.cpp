@@ -2,6 +2,8 @@
 
 #include "app/dialog.h"
 #include "bench/measure.h"
+#include "engine/engine.h"
+#include "serial/qt_serial_link.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -17,16 +19,17 @@ constexpr int measuredTicks = 800;
 class TimedStep final : public Step
 {
 public:
-    using Step::Step;
+    explicit TimedStep(const Line &line) : Step(99, line) {}
 
+    void start() { session().start(commandType()); }
     void step() override
     {
-        if (m_session.tick == 1)
+        if (session().tick == 1)
             m_time.start();
-        if (m_session.tick != 1 + measuredTicks)
+        if (session().tick != 1 + measuredTicks)
             return;
         milliseconds.append(static_cast<double>(m_time.nsecsElapsed()) * 1e-6);
-        m_session.commandType = commandType::idle;
+        end(Outcome::Done);
         QCoreApplication::quit();
     }
 
@@ -43,22 +46,18 @@ class SilentNotices final : public Notices
 
 void measureTicks()
 {
-    constexpr int type = 99;
-    DownloadSession session;
-    QtSerialLink link;
+    QtSerialLink uart;
+    QtSerialLink ed2;
     SilentNotices notices;
-    StepDispatch dispatch(session);
-    auto owned = std::make_unique<TimedStep>(session, link, notices);
-    const TimedStep &step = *owned;
-    dispatch.add(type, std::move(owned));
-    Heartbeat heartbeat(session, dispatch, [&link] { link.poll(); });
-    heartbeat.start();
+    Engine engine(uart, ed2, notices);
+    TimedStep &step = engine.add(std::make_unique<TimedStep>(engine.uart()));
+    engine.start();
 
     double sum = 0;
     double worst = 0;
     constexpr int runs = 12;
     for (int i = 0; i < runs; ++i) {
-        session.start(type);
+        step.start();
         QCoreApplication::exec();
         const double error = std::abs(step.milliseconds.last() - measuredTicks);
         sum += error;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serial/serial_set.h"
+#include "assistant/serial_set.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

@@ -1,20 +1,22 @@
 #include "app/dialog.h"
 
+#include "assistant/device_page.h"
+#include "assistant/serial_assistant_page.h"
+#include "assistant/serial_set.h"
+#include "common/page_context.h"
 #include "config/system_config_page.h"
+#include "crc/crc_comparison.h"
 #include "crc/crc_page.h"
-#include "download/device_page.h"
 #include "download/font_download_page.h"
 #include "download/picture_download_page.h"
-#include "download/system_reset.h"
-#include "download/transaction.h"
 #include "font/zero_font_page.h"
 #include "ico/ico_generator_page.h"
 #include "ico/ico_preview_page.h"
 #include "imaging/image_conversion_page.h"
-#include "serial/page_context.h"
-#include "serial/serial_assistant_page.h"
-#include "serial/serial_set.h"
+#include "serial/qt_serial_link.h"
+#include "serial/system_ports.h"
 
+#include <QComboBox>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QTabWidget>
@@ -34,24 +36,35 @@ QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QStrin
     return inner;
 }
 
+/// Ports of this computer; each knows of the other, which may hold the port that it wants.
+Dialog::Links realLinks()
+{
+    auto uart = std::make_unique<QtSerialLink>();
+    auto ed2 = std::make_unique<QtSerialLink>();
+    uart->setPeer(*ed2);
+    ed2->setPeer(*uart);
+    return {std::move(uart), std::move(ed2)};
+}
+
+/// What the users of the window know: only the first acknowledgement of a download is awaited, and
+/// an OS download tells its outcome before it is final. That is wanted.
+constexpr StepPolicy windowPolicy{false, false};
+
 } // namespace
 
-Dialog::Dialog(QWidget *parent)
+Dialog::Dialog(QWidget *parent) : Dialog(realLinks(), parent) {}
+
+Dialog::Dialog(Links links, QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint)
-    , m_systemPorts(std::async(std::launch::async, &SerialSet::systemPorts))
+    , m_systemPorts(std::async(std::launch::async, &systemPorts))
     , m_settings(m_folder.own + "/SystemConfig.ini", m_folder.executable + "/SystemConfig.ini")
     , m_language(*this, m_settings)
-    , m_uartReplies(uartReceiveRules, m_builder, m_session.replyReceived)
-    , m_ed2Replies(ed2ReceiveRules, m_builder, m_session.replyReceived)
     , m_notices(this, m_language.isEnglish())
     , m_fileDialogs(this)
+    , m_links(std::move(links))
+    , m_engine(*m_links.uart, *m_links.ed2, m_notices, windowPolicy)
     , m_uartSet(new SerialSet(this))
     , m_ed2Set(new SerialSet(this))
-    , m_dispatch(m_session)
-    , m_heartbeat(m_session, m_dispatch, [this] {
-        m_uartPort.poll();
-        m_ed2Port.poll();
-    })
 {
     setWindowTitle("VORAII_Tool1.0.0.3");
     setFixedSize(1017, 645);
@@ -72,16 +85,16 @@ Dialog::Dialog(QWidget *parent)
 
     // The ED2 link starts at 115200: its settings are applied before its dialog shows 6250000, and
     // count once the user confirms them. That is wanted.
-    applyUartSettings();
-    applyEd2Settings();
+    const auto useUart = [this] { m_engine.useUart(m_uartSet->settings()); };
+    const auto useEd2 = [this] { m_engine.useEd2(m_ed2Set->settings()); };
+    useUart();
+    useEd2();
     m_ed2Set->setBaudText(6250000);
-    connect(m_uartSet, &SerialSet::accepted, this, &Dialog::applyUartSettings);
-    connect(m_ed2Set, &SerialSet::accepted, this, &Dialog::applyEd2Settings);
+    connect(m_uartSet, &SerialSet::accepted, this, useUart);
+    connect(m_ed2Set, &SerialSet::accepted, this, useEd2);
 
-    connectLinks();
-    buildSteps();
-    connect(&m_heartbeat, &Heartbeat::fired, this, [this] { m_stepwiseZeroFont.step(); });
-    m_heartbeat.start();
+    connect(&m_engine, &Engine::beat, this, [this] { m_stepwiseZeroFont.step(); });
+    m_engine.start();
     loadSettings();
     openInitialTab();
 }
@@ -120,10 +133,11 @@ void Dialog::usePorts(const QString &uartPort, const QString &ed2Port)
 void Dialog::loadSettings()
 {
     const QStringList resolutions = m_settings.loadResolutions();
-    if (!resolutions.isEmpty()) {
-        m_pictureDownload->setResolutions(resolutions);
-        m_imageConversion->setResolutions(resolutions);
-    }
+    if (!resolutions.isEmpty())
+        for (QComboBox *sizes : m_screenSizes) {
+            sizes->clear();
+            sizes->addItems(resolutions);
+        }
     m_language.load();
 }
 
@@ -135,8 +149,8 @@ void Dialog::openInitialTab()
 
 void Dialog::showResolution()
 {
-    m_pictureDownload->showResolution(m_resolutionText);
-    m_imageConversion->showResolution(m_resolutionText);
+    for (QComboBox *sizes : m_screenSizes)
+        sizes->setCurrentText(m_resolutionText);
 }
 
 void Dialog::keyPressEvent(QKeyEvent *event)
@@ -148,16 +162,13 @@ void Dialog::keyPressEvent(QKeyEvent *event)
 
 void Dialog::buildPages()
 {
-    const PageContext context{m_session,    m_builder,       m_uartReplies, m_ed2Replies,
-                              m_trafficLog, m_uartPort,      m_ed2Port,     *m_uartSet,
-                              *m_ed2Set,    m_notices,       m_fileDialogs, m_settings,
-                              m_dispatch,   m_defaultFolder, m_folder.own,  m_language.isEnglish()};
+    const PageContext context{m_notices, m_fileDialogs, m_settings, m_language.isEnglish()};
 
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName("tabWidget");
     m_tabs->setGeometry(0, 0, 1010, 640);
 
-    m_zeroFont = new ZeroFontPage(context);
+    m_zeroFont = new ZeroFontPage(context, m_folder.own);
     connect(m_zeroFont, &ZeroFontPage::languageChosen, this,
             [this](const QString &language) { m_language.apply(language); });
     m_tabs->addTab(m_zeroFont, "Creat zero font library");
@@ -166,82 +177,22 @@ void Dialog::buildPages()
     ico->addTab(new IcoPreviewPage(context, m_icoManager), "Preview Of ICO File");
 
     QTabWidget *uart = addInnerTabs(m_tabs, "tab", "Uart2 Communication", "tabWidgetSerial");
-    m_assistant = new SerialAssistantPage(context);
-    uart->addTab(m_assistant, "VORA Serial Assistant");
-    uart->addTab(new DevicePage(context, *m_assistant), "Uart2 Communication");
+    auto *assistant = new SerialAssistantPage(context, m_engine);
+    uart->addTab(assistant, "VORA Serial Assistant");
+    uart->addTab(new DevicePage(context, m_engine, m_downloads, *m_uartSet, *assistant),
+                 "Uart2 Communication");
 
     QTabWidget *ed2 = addInnerTabs(m_tabs, "tab_2", "ED2 Communication", "tabWidgetEd2");
-    ed2->addTab(new FontDownloadPage(context), "Fonts And Bin File Download");
-    m_pictureDownload = new PictureDownloadPage(context);
-    ed2->addTab(m_pictureDownload, "Image Download");
+    ed2->addTab(new FontDownloadPage(context, m_engine, m_downloads.fonts, m_defaultFolder),
+                "Fonts And Bin File Download");
+    auto *pictures = new PictureDownloadPage(context, m_engine, m_downloads.pictures,
+                                             [this] { m_ed2Set->exec(); });
+    ed2->addTab(pictures, "Image Download");
 
     m_tabs->addTab(new SystemConfigPage(context), "System configuration");
-    m_imageConversion = new ImageConversionPage(context);
-    m_tabs->addTab(m_imageConversion, "Image conversion");
-    m_tabs->addTab(new CrcPage(context), "CRC_Check");
-}
-
-void Dialog::connectLinks()
-{
-    m_uartPort.setPeer(m_ed2Port);
-    m_ed2Port.setPeer(m_uartPort);
-    connect(&m_uartPort, &SerialLink::readyRead, this, [this] {
-        const QByteArray bytes = m_uartPort.readAll();
-        m_trafficLog.add(TrafficLog::Direction::Received, bytes);
-        m_uartReplies.receive(bytes);
-    });
-    connect(&m_ed2Port, &SerialLink::readyRead, this,
-            [this] { m_ed2Replies.receive(m_ed2Port.readAll()); });
-    for (const SerialLink *link : {&m_uartPort, &m_ed2Port})
-        connect(link, &SerialLink::lost, this, [this, link] { m_dispatch.linkLost(*link); });
-}
-
-void Dialog::buildSteps()
-{
-    using Answer = Transaction::Answer;
-    const auto addTransaction = [this](int type, Answer answer, std::function<QByteArray()> frame) {
-        m_dispatch.add(type, std::make_unique<Transaction>(m_session, m_uartPort, m_notices,
-                                                           m_trafficLog, answer, std::move(frame)));
-    };
-    // Fields of a frame take the low bits of what the spin boxes hold.
-    const auto page = [this] { return static_cast<quint8>(m_assistant->registerPage()); };
-    const auto address = [this] { return static_cast<quint16>(m_assistant->address()); };
-    const auto length = [this] { return m_assistant->length(); };
-
-    addTransaction(commandType::readRegister, Answer::Anything, [=] {
-        return m_builder.buildReadRegisterFrame(page(), static_cast<quint8>(address()),
-                                                static_cast<quint8>(length()));
-    });
-    addTransaction(commandType::readVp, Answer::Anything, [=] {
-        // A reply of 126 words or more would not fit its length byte.
-        return m_builder.buildReadVpFrame(address(), static_cast<quint8>(length() % 126));
-    });
-    addTransaction(commandType::writeVp, Answer::Acknowledgement, [this] {
-        return m_builder.buildWriteVpFrame(m_session.writeStart, m_session.writeCount);
-    });
-    addTransaction(commandType::writeRegister, Answer::Acknowledgement, [=] {
-        return m_builder.buildWriteRegisterFrame(page(), static_cast<quint8>(address()),
-                                                 m_session.writeCount);
-    });
-    addTransaction(commandType::curve, Answer::Anything,
-                   [this] { return m_builder.buildCurveFrame(); });
-    addTransaction(commandType::freeForm, Answer::Anything,
-                   [this] { return m_assistant->freeFormBytes(); });
-    m_dispatch.add(commandType::systemReset,
-                   std::make_unique<SystemReset>(m_session, m_uartPort, m_notices, m_builder));
-}
-
-void Dialog::applyUartSettings()
-{
-    const SerialSettings &settings = m_uartSet->settings();
-    applyToLink(settings, m_uartPort);
-    // Both links are matched against the header of the UART2 settings.
-    m_uartReplies.setHeader(settings.header1, settings.header2);
-    m_ed2Replies.setHeader(settings.header1, settings.header2);
-    m_builder.setHeader(settings.header1, settings.header2, settings.crcEnabled);
-}
-
-void Dialog::applyEd2Settings()
-{
-    applyToLink(m_ed2Set->settings(), m_ed2Port);
+    auto *conversion = new ImageConversionPage(context);
+    m_tabs->addTab(conversion, "Image conversion");
+    m_screenSizes = {&pictures->screenSizes(), &conversion->screenSizes()};
+    auto &comparison = m_engine.add(std::make_unique<CrcComparison>(m_engine.uart()));
+    m_tabs->addTab(new CrcPage(context, m_engine, comparison), "CRC_Check");
 }

@@ -5,37 +5,40 @@
 #include "app/widget_file_dialogs.h"
 #include "common/program_folder.h"
 #include "common/tool_settings.h"
-#include "download/download_session.h"
-#include "download/heartbeat.h"
-#include "download/step_dispatch.h"
+#include "download/downloads.h"
+#include "engine/engine.h"
 #include "font/my_thread.h"
 #include "font/stepwise_zero_font.h"
 #include "ico/ico_manager.h"
-#include "serial/frame_builder.h"
-#include "serial/qt_serial_link.h"
-#include "serial/reply_receiver.h"
-#include "serial/traffic_log.h"
 
 #include <QDialog>
 #include <QStringList>
 
 #include <future>
+#include <memory>
 
-class ImageConversionPage;
-class PictureDownloadPage;
+class QComboBox;
 class QTabWidget;
-class SerialAssistantPage;
 class SerialSet;
 class ZeroFontPage;
 
-/// The window of the tool. It builds and owns everything: the pages, the two links with their
-/// settings dialogs, the frames, the session and its heartbeat.
+/// The window of the tool. It builds and owns everything: the engine with its two links, the pages,
+/// the settings dialogs, the language.
 class Dialog : public QDialog
 {
     Q_OBJECT
 
 public:
+    /// The two links, which a window without a port of this computer brings along.
+    struct Links
+    {
+        std::unique_ptr<SerialLink> uart;
+        std::unique_ptr<SerialLink> ed2;
+    };
+
+    /// Works on the ports of this computer.
     explicit Dialog(QWidget *parent = nullptr);
+    explicit Dialog(Links links, QWidget *parent = nullptr);
 
     /// The folder of the module's configuration files.
     void setDefaultFolder(const QString &folder) { m_defaultFolder = folder; }
@@ -64,13 +67,9 @@ protected:
 
 private:
     void buildPages();
-    void connectLinks();
-    void buildSteps();
     void loadSettings();
     void openInitialTab();
     void showResolution();
-    void applyUartSettings();
-    void applyEd2Settings();
 
     /// First of all: the system takes its time to list the ports, and the rest is built meanwhile.
     std::future<QStringList> m_systemPorts;
@@ -81,25 +80,17 @@ private:
     QString m_resolutionText;
     bool m_isResolutionPending = true;
 
-    DownloadSession m_session;
-    FrameBuilder m_builder;
-    QtSerialLink m_uartPort;
-    QtSerialLink m_ed2Port;
-    ReplyReceiver m_uartReplies;
-    ReplyReceiver m_ed2Replies;
-    TrafficLog m_trafficLog;
     MessageBoxNotices m_notices;
     WidgetFileDialogs m_fileDialogs;
+    Links m_links;
+    Engine m_engine;
+    Downloads m_downloads{m_engine};
     IcoManager m_icoManager;
     SerialSet *m_uartSet;
     SerialSet *m_ed2Set;
     QTabWidget *m_tabs = nullptr;
     ZeroFontPage *m_zeroFont = nullptr;
-    SerialAssistantPage *m_assistant = nullptr;
-    PictureDownloadPage *m_pictureDownload = nullptr;
-    ImageConversionPage *m_imageConversion = nullptr;
-    StepDispatch m_dispatch;
-    Heartbeat m_heartbeat;
+    QVector<QComboBox *> m_screenSizes; ///< which offer the same resolutions
     StepwiseZeroFont m_stepwiseZeroFont{m_folder.own};
     MyThread m_fontThread;
 };

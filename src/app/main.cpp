@@ -1,7 +1,8 @@
 #include "app/dialog.h"
 #include "app/screenshots.h"
 #include "app/tour.h"
-#include "serial/serial_set.h"
+#include "serial/system_ports.h"
+#include "simulator/direct_link.h"
 #include "simulator/screen_window.h"
 #include "simulator/simulator.h"
 
@@ -27,19 +28,18 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
     return std::make_unique<QApplication>(argc, argv);
 }
 
-/// Starts a module as slow as a real one, and has `dialog` use its ports. False when the system has
-/// no pseudo-terminals for it.
-bool plugIn(k7::Simulator &simulator, Dialog &dialog)
+/// A window that can reach the module `simulator`, as slow as a real one: on pseudo-terminals, or
+/// on links in the process where the system has none.
+std::unique_ptr<Dialog> simulatedDialog(k7::Simulator &simulator)
 {
     k7::Behaviour behaviour;
     behaviour.realTime = true;
     simulator.setBehaviour(behaviour);
-    // The window opens ports of the system only, so that links within the process are no way to it.
-    if (!simulator.start(k7::Way::Terminals))
-        return false;
-    dialog.offerPorts({simulator.uartPath(), simulator.ed2Path()});
-    dialog.usePorts(simulator.uartPath(), simulator.ed2Path());
-    return true;
+    if (simulator.start(k7::Way::Terminals))
+        return std::make_unique<Dialog>();
+    simulator.start(k7::Way::InProcess);
+    return std::make_unique<Dialog>(Dialog::Links{std::make_unique<k7::DirectLink>(simulator),
+                                                  std::make_unique<k7::DirectLink>(simulator)});
 }
 
 /// Shows `screen` beside `dialog` where the desktop has room for both, else wherever it comes to
@@ -115,17 +115,17 @@ int main(int argc, char *argv[])
     QApplication::setDesktopFileName("voraii-tool");
     QApplication::setWindowIcon(QIcon(":/voraii-tool.png"));
     k7::Simulator simulator;
-    Dialog dialog;
+    const bool isAlone = parser.isSet(simulateAlone) && systemPorts().isEmpty();
+    const bool isSimulated = parser.isSet(simulate) || isAlone;
+    const auto window = isSimulated ? simulatedDialog(simulator) : std::make_unique<Dialog>();
+    Dialog &dialog = *window;
     dialog.setDefaultFolder(QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) +
                             "/ZOLT_SET");
     dialog.setResolutionText("480X272");
     dialog.offerPorts(parser.values(port));
-    const bool isAlone = parser.isSet(simulateAlone) && SerialSet::systemPorts().isEmpty();
-    const bool isSimulated = parser.isSet(simulate) || isAlone;
-    if (isSimulated && !plugIn(simulator, dialog)) {
-        std::fputs("The simulated module needs two pseudo-terminals, and there are none.\n",
-                   stderr);
-        return 1;
+    if (isSimulated) {
+        dialog.offerPorts({simulator.uartPath(), simulator.ed2Path()});
+        dialog.usePorts(simulator.uartPath(), simulator.ed2Path());
     }
     dialog.selectLanguage(parser.value(language));
     dialog.show();

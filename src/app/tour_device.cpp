@@ -1,6 +1,6 @@
 #include "app/tour_person.h"
 
-#include "serial/serial_set.h"
+#include "assistant/serial_set.h"
 
 #include <QCheckBox>
 #include <QLineEdit>

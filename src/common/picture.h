@@ -7,6 +7,9 @@
 
 namespace picture {
 
+/// The files that dialogs offer as pictures.
+inline constexpr char filePatterns[] = "*.bmp;*.jpg;*.jpeg;*.png;*.gif";
+
 /// Pictures with more pixels than this are refused before their pixels are allocated.
 inline constexpr qint64 maxPixels = 100'000'000;
 

@@ -141,10 +141,10 @@ void putOption(QByteArray &image, const Option &option, const CfgSettings &setti
 Fault putLock(QByteArray &image, const CfgSettings &settings)
 {
     const QByteArray name = settings.folderName.toLocal8Bit();
-    if (name.size() > maxFolderNameBytes)
+    if (name.size() > encryptionTexts::maxFolderNameBytes)
         return Fault::FolderNameTooLong;
     const auto key = encryptionTexts::keyFrom(settings.key);
-    if (!key || key->size() != keyBytes)
+    if (!key || key->size() != encryptionTexts::keyBytes)
         return Fault::BadKey;
     put(image, encryptionOffset, QByteArray::fromHex("5AA5"));
     putByte(image, nameLengthOffset, name.size());
@@ -181,7 +181,8 @@ void readLock(const QByteArray &image, CfgSettings &settings)
     const int length = qMax(0, signedByteAt(image, nameLengthOffset));
     const QByteArray name = image.mid(nameOffset, length).leftJustified(length, '\0');
     settings.folderName = QString::fromLocal8Bit(name.constData(), name.size());
-    const QByteArray key = image.mid(keyOffset, keyBytes).leftJustified(keyBytes, '\0');
+    const QByteArray key = image.mid(keyOffset, encryptionTexts::keyBytes)
+                               .leftJustified(encryptionTexts::keyBytes, '\0');
     settings.key = QString::fromLatin1(key.toHex(' ') + ' ');
 }
 

@@ -72,8 +72,6 @@ struct CfgSettings
 namespace cfgImage {
 
 inline constexpr int bytes = 128;
-inline constexpr int maxFolderNameBytes = 8;
-inline constexpr int keyBytes = 32;
 
 enum class Fault { None, FolderNameTooLong, BadKey };
 

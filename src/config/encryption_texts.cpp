@@ -1,7 +1,6 @@
 #include "config/encryption_texts.h"
 
 #include "common/hex_text.h"
-#include "config/cfg_image.h"
 
 #include <algorithm>
 
@@ -28,7 +27,7 @@ std::optional<QByteArray> keyFrom(const QString &text)
 Verdict checkFolderName(const QString &name)
 {
     const QByteArray bytes = name.toLocal8Bit();
-    if (bytes.size() > cfgImage::maxFolderNameBytes)
+    if (bytes.size() > maxFolderNameBytes)
         return {"The folder name is longer than 8 !", false};
     if (!std::all_of(bytes.begin(), bytes.end(), isNameByte))
         return {"It can only be : 0-9 , a-z , A-Z , or '-',or '_' ", false};
@@ -40,8 +39,7 @@ Verdict checkKey(const QString &key)
     const auto bytes = keyFrom(key);
     if (!bytes)
         return {"It can only be in hexadecimal and even number !", false};
-    return {"secret key number :" + QString::number(bytes->size()),
-            bytes->size() == cfgImage::keyBytes};
+    return {"secret key number :" + QString::number(bytes->size()), bytes->size() == keyBytes};
 }
 
 } // namespace encryptionTexts

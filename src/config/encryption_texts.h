@@ -8,6 +8,9 @@
 /// The folder name and the key of SD-card encryption, as the user types them.
 namespace encryptionTexts {
 
+inline constexpr int maxFolderNameBytes = 8;
+inline constexpr int keyBytes = 32;
+
 /// What to tell about a text while it is typed; English only, as the module's manual names it.
 struct Verdict
 {

@@ -4,11 +4,11 @@
 
 #include "common/file_dialogs.h"
 #include "common/notices.h"
-#include "common/radio_group.h"
 #include "common/read_file.h"
 #include "common/replace_file.h"
 #include "config/encryption_texts.h"
 #include "config/screen_timings.h"
+#include "widgets/radio_group.h"
 
 #include <QButtonGroup>
 #include <QDir>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/page_context.h"
 #include "config/cfg_image.h"
-#include "serial/page_context.h"
 
 #include <QVector>
 #include <QWidget>

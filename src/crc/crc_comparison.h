@@ -1,25 +1,14 @@
 #pragma once
 
 #include "crc/crc_check_item.h"
-#include "download/step.h"
-
-#include <functional>
+#include "engine/step.h"
 
 /// Asks the module, unit by unit, for the CRC of what it holds. A module that is not done is asked
 /// again and again, without a limit.
 class CrcComparison final : public Step
 {
 public:
-    /// What the comparison reads from and shows in the window.
-    struct Window
-    {
-        std::function<int()> rate;             ///< of the link, in bit/s, positive
-        std::function<void(int)> showProgress; ///< in percent
-        std::function<void()> showItems;       ///< a comparison has ended, however
-    };
-
-    CrcComparison(DownloadSession &session, SerialLink &link, Notices &notices,
-                  FrameBuilder &builder, const Window &window);
+    explicit CrcComparison(const Line &line);
 
     const QVector<CrcCheckItem> &items() const { return m_items; }
     /// Takes `items` in place of the others, and ends a comparison of those.
@@ -32,7 +21,6 @@ public:
 
 protected:
     void rewind() override { m_stage = Stage::Ask; }
-    void ended() override { m_window.showItems(); }
 
 private:
     static constexpr quint16 crcAddress = 0x00E0;
@@ -44,9 +32,8 @@ private:
     void read();
     void compare();
     void enter(Stage stage);
+    int ticksFor(int bits) const;
 
-    FrameBuilder &m_builder;
-    const Window m_window;
     QVector<CrcCheckItem> m_items;
     int m_index = 0;
     Stage m_stage = Stage::Ask;

@@ -2,19 +2,22 @@
 
 #include "ui_crc_page.h"
 
-#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/read_file.h"
-#include "common/wait_cursor.h"
 #include "crc/crc_comparison.h"
-#include "download/step_dispatch.h"
-#include "serial/serial_set.h"
+#include "engine/engine.h"
+#include "widgets/drop_target.h"
+#include "widgets/wait_cursor.h"
 
 #include <QDir>
 
-CrcPage::CrcPage(const PageContext &context, QWidget *parent)
-    : QWidget(parent), m_context(context), m_ui(std::make_unique<Ui::CrcPage>())
+CrcPage::CrcPage(const PageContext &context, Engine &engine, CrcComparison &comparison,
+                 QWidget *parent)
+    : QWidget(parent)
+    , m_context(context)
+    , m_ui(std::make_unique<Ui::CrcPage>())
+    , m_comparison(comparison)
 {
     m_ui->setupUi(this);
     // Name, calculated CRC, read CRC, result.
@@ -28,13 +31,14 @@ CrcPage::CrcPage(const PageContext &context, QWidget *parent)
             list(paths);
     });
 
-    auto comparison = std::make_unique<CrcComparison>(
-        context.session, context.uartPort, context.notices, context.builder,
-        CrcComparison::Window{[this] { return linkRate(m_context.uartSet.settings().baudRate); },
-                              [this](int percent) { m_ui->crcCheckBar->setValue(percent); },
-                              [this] { showItems(); }});
-    m_comparison = comparison.get();
-    context.dispatch.add(commandType::crcComparison, std::move(comparison));
+    connect(&engine, &Engine::progressed, this, [this](int type, int percent) {
+        if (type == m_comparison.commandType())
+            m_ui->crcCheckBar->setValue(percent);
+    });
+    connect(&engine, &Engine::ended, this, [this](int type) {
+        if (type == m_comparison.commandType())
+            showItems();
+    });
 }
 
 CrcPage::~CrcPage() = default;
@@ -57,19 +61,19 @@ void CrcPage::listFolder(const QString &path)
 
 void CrcPage::on_openFile_clicked()
 {
-    const QString path = m_context.fileDialogs.openFile(QString(), "*.bin *.bmp *.ICO");
+    const QString path = m_context.fileDialogs.openFile(QString(), "*.bin;*.bmp;*.ICO");
     if (!path.isEmpty())
         list({path});
 }
 
 void CrcPage::on_compareCheck_clicked()
 {
-    m_comparison->start();
+    m_comparison.start();
 }
 
 void CrcPage::list(const QStringList &paths)
 {
-    m_comparison->setItems({});
+    m_comparison.setItems({});
     QVector<CrcCheckItem> items;
     for (const QString &path : paths) {
         if (!crcCheck::isChecked(path))
@@ -87,13 +91,13 @@ void CrcPage::list(const QStringList &paths)
             m_context.notices.warn(*units.refusal);
         items += units.items;
     }
-    m_comparison->setItems(items);
+    m_comparison.setItems(items);
     showItems();
 }
 
 void CrcPage::showItems()
 {
-    const QVector<CrcCheckItem> &items = m_comparison->items();
+    const QVector<CrcCheckItem> &items = m_comparison.items();
     m_ui->crcTableWidget->setRowCount(items.size());
     for (int row = 0; row < items.size(); ++row) {
         const CrcCheckItem &item = items.at(row);

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "serial/page_context.h"
+#include "common/page_context.h"
 
 #include <QWidget>
 
 #include <memory>
 
 class CrcComparison;
+class Engine;
 
 namespace Ui {
 class CrcPage;
@@ -18,7 +19,8 @@ class CrcPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit CrcPage(const PageContext &context, QWidget *parent = nullptr);
+    CrcPage(const PageContext &context, Engine &engine, CrcComparison &comparison,
+            QWidget *parent = nullptr);
     ~CrcPage() override;
 
 private slots:
@@ -34,5 +36,5 @@ private:
 
     const PageContext m_context;
     std::unique_ptr<Ui::CrcPage> m_ui;
-    CrcComparison *m_comparison;
+    CrcComparison &m_comparison;
 };

@@ -2,9 +2,8 @@
 
 #include "common/big_endian.h"
 
-BlockDownload::BlockDownload(DownloadSession &session, SerialLink &link, Notices &notices,
-                             const Kind &kind, std::function<void(int)> showProgress)
-    : Step(session, link, notices), m_kind(kind), m_showProgress(std::move(showProgress))
+BlockDownload::BlockDownload(const Line &line, const Kind &kind)
+    : Step(kind.commandType, line), m_kind(kind)
 {
 }
 
@@ -26,36 +25,36 @@ void BlockDownload::start(const QVector<Block> &blocks, int endTick)
     m_blocks = blocks;
     m_endTick = endTick;
     m_index = 0;
-    m_session.replyReceived = false;
-    m_showProgress(0);
-    m_session.start(m_kind.commandType);
+    session().replyReceived = false;
+    showProgress(0, m_blocks.size());
+    session().start(commandType());
 }
 
 void BlockDownload::step()
 {
     if (m_index >= m_blocks.size())
         return;
-    if (m_session.tick == 1) {
+    if (session().tick == 1) {
         if (!ensureOpen())
             return;
         QByteArray handshake = m_kind.handshake;
         bigEndian::appendByte(handshake, m_blocks.at(m_index).number);
-        m_link.write(handshake);
-    } else if (m_session.tick == m_kind.checkTick) {
-        if (m_session.replyReceived)
-            m_link.write(m_blocks.at(m_index).data);
+        writeAwaited(handshake);
+    } else if (session().tick == m_kind.checkTick) {
+        if (session().replyReceived)
+            m_line.link.write(m_blocks.at(m_index).data);
         else
             fail();
-    } else if (m_session.tick == m_endTick) {
+    } else if (session().tick == m_endTick) {
         nextBlock();
     }
 }
 
 void BlockDownload::nextBlock()
 {
-    m_session.tick = 0;
+    session().tick = 0;
     ++m_index;
-    m_showProgress(m_index * 100 / m_blocks.size());
+    showProgress(m_index, m_blocks.size());
     if (m_index == m_blocks.size())
         complete();
 }

@@ -1,41 +1,36 @@
 #include "download/bmp_download.h"
 
-BmpDownload::BmpDownload(DownloadSession &session, SerialLink &link, Notices &notices,
-                         FrameBuilder &builder, const Window &window, const Kind &kind)
-    : StagedDownload(session, link, notices, builder, window, kind.chunkBytes), m_kind(kind)
+BmpDownload::BmpDownload(const Line &line, const Kind &kind)
+    : StagedDownload(kind.commandType, line, kind.chunkBytes), m_kind(kind)
 {
 }
 
 BmpDownload::Kind BmpDownload::linear()
 {
-    return {commandType::bmpDownload, 240, 240, false, 3198, 3380, [](int index) {
+    return {commandType::bmpDownload, 240, 240, false, 3198, 3380, [](int index, int) {
                 // Picture memory starts at word 0x78000000 and is counted in words.
                 const int word = index * 120;
                 return QVector<int>{0x5A80, 0x0000, 0x7800 + (word >> 16), word};
             }};
 }
 
-BmpDownload::Kind BmpDownload::paged(std::function<int()> page)
+BmpDownload::Kind BmpDownload::paged()
 {
-    return {commandType::pagedBmpDownload,
-            8192,
-            128,
-            true,
-            109824,
-            110006,
-            [page = std::move(page)](int index) {
-                return QVector<int>{0x5AA5, stagingAddress, page(), index};
-            }};
+    return {
+        commandType::pagedBmpDownload, 8192, 128, true, 109824, 110006, [](int index, int page) {
+            return QVector<int>{0x5AA5, stagingAddress, page, index};
+        }};
 }
 
-void BmpDownload::start(const QByteArray &pixels)
+void BmpDownload::start(const QByteArray &pixels, std::function<int()> page)
 {
-    begin(m_kind.commandType, pixels, chunksOf(pixels));
+    m_page = std::move(page);
+    begin(pixels, chunksOf(pixels));
 }
 
 void BmpDownload::step()
 {
-    const int tick = m_session.tick;
+    const int tick = session().tick;
     if (tick == 1) {
         if (!ensureOpen())
             return;
@@ -43,11 +38,11 @@ void BmpDownload::step()
     }
     // Not alternatives: at high rates both come on the same tick, and the chunk still completes.
     if (tick == ticksFor(m_kind.sendBits) + 2) {
-        if (!m_session.replyReceived) {
+        if (!session().replyReceived) {
             fail();
             return;
         }
-        writeWords(moveAddress, m_kind.moveCommand(m_index));
+        writeWords(moveAddress, m_kind.moveCommand(m_index, m_page()));
     }
     if (tick == ticksFor(m_kind.chunkBits) + 2) {
         ++m_index;
@@ -64,5 +59,5 @@ void BmpDownload::stage(QByteArray chunk)
     for (int offset = 0; offset < chunk.size(); offset += m_kind.frameBytes)
         frames += vpFrame(static_cast<quint16>(stagingAddress + offset / 2),
                           chunk.mid(offset, m_kind.frameBytes));
-    m_link.write(frames);
+    writeAwaited(frames);
 }

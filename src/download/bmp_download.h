@@ -2,6 +2,8 @@
 
 #include "download/staged_download.h"
 
+#include <functional>
+
 /// A picture, as RGB565 bytes, that goes over UART2. The module moves each staged chunk on to its
 /// destination: chunks of 240 bytes one after the other into picture memory, or, on K7UID2, chunks
 /// of 8192 bytes into a picture page.
@@ -17,19 +19,18 @@ public:
         bool isFilled;  ///< whether a short last chunk is filled up with zeros
         int sendBits;   ///< what the line carries until the acknowledgement must be there
         int chunkBits;  ///< what it carries until the chunk has been moved
-        /// The words that move chunk `index`.
-        std::function<QVector<int>(int index)> moveCommand;
+        /// The words that move chunk `index`, to `page` if there are pages.
+        QVector<int> (*moveCommand)(int index, int page);
     };
 
     static Kind linear();
-    /// Into the page that `page` names when a chunk is moved.
-    static Kind paged(std::function<int()> page);
+    static Kind paged();
 
-    BmpDownload(DownloadSession &session, SerialLink &link, Notices &notices, FrameBuilder &builder,
-                const Window &window, const Kind &kind);
+    BmpDownload(const Line &line, const Kind &kind);
 
-    /// Starts sending `pixels`; there must be some.
-    void start(const QByteArray &pixels);
+    /// Starts sending `pixels`; there must be some. They go to the page that `page` names when a
+    /// chunk is moved; picture memory has none.
+    void start(const QByteArray &pixels, std::function<int()> page);
     void step() override;
 
 private:
@@ -38,4 +39,5 @@ private:
     void stage(QByteArray chunk);
 
     const Kind m_kind;
+    std::function<int()> m_page;
 };

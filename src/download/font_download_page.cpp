@@ -2,47 +2,40 @@
 
 #include "ui_font_download_page.h"
 
-#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/read_file.h"
 #include "common/tool_settings.h"
-#include "download/block_download.h"
 #include "download/download_table.h"
-#include "download/step_dispatch.h"
+#include "download/flash_blocks.h"
+#include "engine/engine.h"
+#include "widgets/drop_target.h"
 
 namespace {
 
-constexpr int blockBytes = 256 * 1024;
 const QString patterns = QStringLiteral("*.ICO;*.bin;*.hzk;*.dzk");
-
-/// `content` from flash block `position` on; an empty file takes one empty block.
-void appendBlocks(QVector<BlockDownload::Block> &blocks, int position, const QByteArray &content)
-{
-    // Block numbers go on the wire as their low 8 bits.
-    auto number = static_cast<quint8>(position);
-    int offset = 0;
-    do {
-        blocks.append({number++, content.mid(offset, blockBytes)});
-        offset += blockBytes;
-    } while (offset < content.size());
-}
 
 } // namespace
 
-FontDownloadPage::FontDownloadPage(const PageContext &context, QWidget *parent)
-    : QWidget(parent), m_context(context), m_ui(std::make_unique<Ui::FontDownloadPage>())
+FontDownloadPage::FontDownloadPage(const PageContext &context, Engine &engine,
+                                   BlockDownload &download, const QString &moduleFolder,
+                                   QWidget *parent)
+    : QWidget(parent)
+    , m_context(context)
+    , m_ui(std::make_unique<Ui::FontDownloadPage>())
+    , m_engine(engine)
+    , m_download(download)
+    , m_moduleFolder(moduleFolder)
 {
     m_ui->setupUi(this);
     m_ui->fontPath->setColumnWidth(1, 600);
     new DropTarget(*m_ui->fontPath,
                    [this](const QStringList &paths) { add(matching(paths, patterns)); });
 
-    auto download = std::make_unique<BlockDownload>(
-        context.session, context.ed2Port, context.notices, BlockDownload::fonts(),
-        [this](int percent) { m_ui->fontProgressBar->setValue(percent); });
-    m_download = download.get();
-    context.dispatch.add(commandType::fontDownload, std::move(download));
+    connect(&engine, &Engine::progressed, this, [this](int type, int percent) {
+        if (type == m_download.commandType())
+            m_ui->fontProgressBar->setValue(percent);
+    });
 }
 
 FontDownloadPage::~FontDownloadPage() = default;
@@ -91,20 +84,17 @@ void FontDownloadPage::on_downloadFont_clicked()
         // A file that cannot be read is skipped.
         ReadFault fault = ReadFault::None;
         if (const auto content = readFile(m_list.paths.at(row), &fault))
-            appendBlocks(blocks, positions->at(row), *content);
+            blocks += flashBlocks(positions->at(row), *content);
         else if (fault == ReadFault::TooLarge)
             m_context.notices.warn(texts::fileTooLarge);
     }
     if (!blocks.isEmpty())
-        m_download->start(blocks, BlockDownload::fontEndTick);
+        m_download.start(blocks, BlockDownload::fontEndTick);
 }
 
 void FontDownloadPage::on_stopFont_clicked()
 {
-    m_context.session.commandType = commandType::idle;
-    m_download->rewind();
-    // The UART2 port is closed, not the ED2 port on which the download ran. That is wanted.
-    m_context.uartPort.close();
+    m_engine.stop();
 }
 
 void FontDownloadPage::on_touchConfig_clicked(bool isOn)
@@ -120,7 +110,7 @@ void FontDownloadPage::on_variableConfig_clicked(bool isOn)
 void FontDownloadPage::switchConfig(bool isOn, int block, const QString &name)
 {
     if (isOn) {
-        m_list.append(m_context.moduleFolder + name, QString::number(block));
+        m_list.append(m_moduleFolder + name, QString::number(block));
     } else {
         int row = 0;
         while (row < m_list.positions.size() && m_list.positions.at(row).toInt() != block)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/page_context.h"
 #include "download/download_list.h"
-#include "serial/page_context.h"
 
 #include <QVector>
 #include <QWidget>
@@ -9,6 +9,7 @@
 #include <memory>
 
 class BlockDownload;
+class Engine;
 
 namespace Ui {
 class FontDownloadPage;
@@ -21,7 +22,9 @@ class FontDownloadPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit FontDownloadPage(const PageContext &context, QWidget *parent = nullptr);
+    /// `moduleFolder` is where the module's configuration files are.
+    FontDownloadPage(const PageContext &context, Engine &engine, BlockDownload &download,
+                     const QString &moduleFolder, QWidget *parent = nullptr);
     ~FontDownloadPage() override;
 
 private slots:
@@ -43,5 +46,7 @@ private:
     const PageContext m_context;
     std::unique_ptr<Ui::FontDownloadPage> m_ui;
     DownloadList m_list;
-    BlockDownload *m_download;
+    Engine &m_engine;
+    BlockDownload &m_download;
+    const QString &m_moduleFolder;
 };

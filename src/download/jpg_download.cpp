@@ -1,38 +1,36 @@
 #include "download/jpg_download.h"
 
-JpgDownload::JpgDownload(DownloadSession &session, SerialLink &link, Notices &notices,
-                         FrameBuilder &builder, const Window &window,
-                         std::function<Display()> display)
-    : StagedDownload(session, link, notices, builder, window, chunkBytes)
-    , m_display(std::move(display))
+JpgDownload::JpgDownload(const Line &line)
+    : StagedDownload(commandType::jpgDownload, line, chunkBytes)
 {
 }
 
-void JpgDownload::start(const QByteArray &jpeg)
+void JpgDownload::start(const QByteArray &jpeg, std::function<Display()> display)
 {
-    begin(commandType::jpgDownload, jpeg, chunksOf(jpeg));
+    m_display = std::move(display);
+    begin(jpeg, chunksOf(jpeg));
 }
 
 void JpgDownload::step()
 {
     const int lineTime = ticksFor(3198);
     const int endTick = ticksFor(3380) + 2;
-    if (m_session.tick == 1) {
+    if (session().tick == 1) {
         if (!ensureOpen())
             return;
         const int address = stagingAddress + m_index * chunkBytes / 2;
-        m_link.write(vpFrame(static_cast<quint16>(address), currentChunk()));
-    } else if (m_session.tick == lineTime + 1) {
-        if (!m_session.replyReceived)
+        writeAwaited(vpFrame(static_cast<quint16>(address), currentChunk()));
+    } else if (session().tick == lineTime + 1) {
+        if (!session().replyReceived)
             fail();
-    } else if (m_session.tick == lineTime + 2) {
+    } else if (session().tick == lineTime + 2) {
         ++m_index;
         if (nextChunk())
             return;
         // The count goes on from here instead of beginning anew.
-        m_session.tick = lineTime + 2;
+        session().tick = lineTime + 2;
         show();
-    } else if (m_session.tick == endTick) {
+    } else if (session().tick == endTick) {
         complete();
     }
 }

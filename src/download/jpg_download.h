@@ -2,6 +2,8 @@
 
 #include "download/staged_download.h"
 
+#include <functional>
+
 /// A JPEG file that goes over UART2. All chunks are staged one behind the other, then one command
 /// has the module show the picture.
 ///
@@ -12,7 +14,7 @@ class JpgDownload final : public StagedDownload
 public:
     static constexpr int maxBytes = 0xFFFF; ///< what fits behind the staging address
 
-    /// Where the module shows the picture, as the window says when the last chunk has been sent.
+    /// Where the module shows the picture.
     struct Display
     {
         int mode;   ///< 0: now, at a position on the screen; 1: under a picture ID
@@ -20,11 +22,11 @@ public:
         int second; ///< y, or 0
     };
 
-    JpgDownload(DownloadSession &session, SerialLink &link, Notices &notices, FrameBuilder &builder,
-                const Window &window, std::function<Display()> display);
+    explicit JpgDownload(const Line &line);
 
-    /// Starts sending `jpeg`, 1 to `maxBytes` bytes.
-    void start(const QByteArray &jpeg);
+    /// Starts sending `jpeg`, 1 to `maxBytes` bytes. `display` is asked for when the last chunk has
+    /// been sent.
+    void start(const QByteArray &jpeg, std::function<Display()> display);
     void step() override;
 
 private:
@@ -33,5 +35,5 @@ private:
 
     void show();
 
-    const std::function<Display()> m_display;
+    std::function<Display()> m_display;
 };

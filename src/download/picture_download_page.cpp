@@ -2,7 +2,6 @@
 
 #include "ui_picture_download_page.h"
 
-#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/picture.h"
@@ -10,66 +9,41 @@
 #include "common/tool_settings.h"
 #include "download/block_download.h"
 #include "download/download_table.h"
-#include "download/step_dispatch.h"
-#include "serial/serial_set.h"
+#include "engine/engine.h"
+#include "widgets/drop_target.h"
 
-#include <optional>
-
-namespace {
-
-const QString patterns = QStringLiteral("*.bmp;*.jpg;*.jpeg;*.png;*.gif");
-
-/// The size that `text`, such as "480X272", names. None for other texts, for sizes without pixels,
-/// and for sizes that no picture may have.
-std::optional<QSize> screenSize(const QString &text)
-{
-    const QStringList parts = text.split('X');
-    if (parts.size() != 2)
-        return std::nullopt;
-    const QSize size(parts.at(0).toInt(), parts.at(1).toInt());
-    const qint64 pixels = static_cast<qint64>(size.width()) * size.height();
-    return size.isEmpty() || pixels > picture::maxPixels ? std::nullopt : std::optional(size);
-}
-
-/// Ticks from one picture to the next: what its bytes take at 6250000 baud, and half a second.
-int ticksOf(const QSize &size)
-{
-    return size.width() * size.height() / 313 + 500;
-}
-
-} // namespace
-
-PictureDownloadPage::PictureDownloadPage(const PageContext &context, QWidget *parent)
-    : QWidget(parent), m_context(context), m_ui(std::make_unique<Ui::PictureDownloadPage>())
+PictureDownloadPage::PictureDownloadPage(const PageContext &context, Engine &engine,
+                                         BlockDownload &download,
+                                         std::function<void()> editSettings, QWidget *parent)
+    : QWidget(parent)
+    , m_context(context)
+    , m_ui(std::make_unique<Ui::PictureDownloadPage>())
+    , m_engine(engine)
+    , m_download(download)
+    , m_editSettings(std::move(editSettings))
 {
     m_ui->setupUi(this);
     m_ui->picturePath->setColumnWidth(1, 600);
-    new DropTarget(*m_ui->picturePath,
-                   [this](const QStringList &paths) { add(matching(paths, patterns)); });
+    new DropTarget(*m_ui->picturePath, [this](const QStringList &paths) {
+        add(matching(paths, picture::filePatterns));
+    });
 
-    auto download = std::make_unique<BlockDownload>(
-        context.session, context.ed2Port, context.notices, BlockDownload::pictures(),
-        [this](int percent) { m_ui->pictureProgressBar->setValue(percent); });
-    m_download = download.get();
-    context.dispatch.add(commandType::pictureDownload, std::move(download));
+    connect(&engine, &Engine::progressed, this, [this](int type, int percent) {
+        if (type == m_download.commandType())
+            m_ui->pictureProgressBar->setValue(percent);
+    });
 }
 
 PictureDownloadPage::~PictureDownloadPage() = default;
 
-void PictureDownloadPage::setResolutions(const QStringList &resolutions)
+QComboBox &PictureDownloadPage::screenSizes()
 {
-    m_ui->srceenSize->clear();
-    m_ui->srceenSize->addItems(resolutions);
-}
-
-void PictureDownloadPage::showResolution(const QString &resolution)
-{
-    m_ui->srceenSize->setCurrentText(resolution);
+    return *m_ui->srceenSize;
 }
 
 void PictureDownloadPage::on_choosePictureFile_clicked()
 {
-    add(m_context.fileDialogs.openFiles(m_context.settings.imageFolder(), patterns));
+    add(m_context.fileDialogs.openFiles(m_context.settings.imageFolder(), picture::filePatterns));
 }
 
 void PictureDownloadPage::add(const QStringList &paths)
@@ -117,20 +91,17 @@ void PictureDownloadPage::on_downloadPicture_clicked()
     if (blocks.isEmpty())
         m_context.notices.warn(texts::notSelectFile);
     else
-        m_download->start(blocks, m_endTick);
+        m_download.start(blocks, m_endTick);
 }
 
 void PictureDownloadPage::on_stopPicture_clicked()
 {
-    m_context.session.commandType = commandType::idle;
-    m_download->rewind();
-    // The UART2 port is closed, not the ED2 port on which the download ran. That is wanted.
-    m_context.uartPort.close();
+    m_engine.stop();
 }
 
 void PictureDownloadPage::on_serialSet_2_clicked()
 {
-    m_context.ed2Set.exec();
+    m_editSettings();
 }
 
 void PictureDownloadPage::convert(const QString &path)
@@ -151,14 +122,13 @@ QByteArray PictureDownloadPage::pixels(const QByteArray &content)
         m_context.notices.warn(picture::refusal(content));
         return {};
     }
-    const auto size = screenSize(m_ui->srceenSize->currentText());
+    const auto size = screenPicture::sizeFrom(m_ui->srceenSize->currentText());
     if (!size) {
         m_context.notices.warn(texts::screenSizeError);
         return {};
     }
-    m_endTick = ticksOf(*size);
-    // Scaled before the pixels are converted: palette pictures take another nearest-pixel map.
-    return picture::toRgb565(image.scaled(*size, Qt::IgnoreAspectRatio, Qt::FastTransformation));
+    m_endTick = screenPicture::endTick(*size);
+    return screenPicture::pixels(image, *size);
 }
 
 void PictureDownloadPage::showList()

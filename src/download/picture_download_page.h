@@ -1,14 +1,18 @@
 #pragma once
 
+#include "common/page_context.h"
 #include "download/download_list.h"
-#include "serial/page_context.h"
+#include "download/screen_picture.h"
 
 #include <QVector>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class BlockDownload;
+class Engine;
+class QComboBox;
 
 namespace Ui {
 class PictureDownloadPage;
@@ -21,13 +25,13 @@ class PictureDownloadPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit PictureDownloadPage(const PageContext &context, QWidget *parent = nullptr);
+    /// `editSettings` shows the settings of the ED2 port.
+    PictureDownloadPage(const PageContext &context, Engine &engine, BlockDownload &download,
+                        std::function<void()> editSettings, QWidget *parent = nullptr);
     ~PictureDownloadPage() override;
 
-    /// Offers `resolutions`, such as "480X272", in place of the built-in ones.
-    void setResolutions(const QStringList &resolutions);
-    /// Shows `resolution` if it is offered.
-    void showResolution(const QString &resolution);
+    /// Offers the screen sizes.
+    QComboBox &screenSizes();
 
 private slots:
     void on_choosePictureFile_clicked();
@@ -54,6 +58,8 @@ private:
     QVector<QByteArray> m_data;
     /// Ticks of one picture, as the last successful conversion set them; before that, those of an
     /// empty one.
-    int m_endTick = 500;
-    BlockDownload *m_download;
+    int m_endTick = screenPicture::emptyEndTick;
+    Engine &m_engine;
+    BlockDownload &m_download;
+    const std::function<void()> m_editSettings;
 };

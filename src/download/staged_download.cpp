@@ -2,20 +2,19 @@
 
 #include "common/big_endian.h"
 
-StagedDownload::StagedDownload(DownloadSession &session, SerialLink &link, Notices &notices,
-                               FrameBuilder &builder, const Window &window, int chunkBytes)
-    : Step(session, link, notices), m_builder(builder), m_window(window), m_chunkBytes(chunkBytes)
+StagedDownload::StagedDownload(int commandType, const Line &line, int chunkBytes)
+    : Step(commandType, line), m_chunkBytes(chunkBytes)
 {
 }
 
-void StagedDownload::begin(int type, const QByteArray &data, int chunks)
+void StagedDownload::begin(const QByteArray &data, int chunks)
 {
     m_data = data;
     m_chunks = chunks;
     m_index = 0;
-    m_session.replyReceived = false;
-    showProgress();
-    m_session.start(type);
+    session().replyReceived = false;
+    showProgress(m_index, m_chunks);
+    session().start(commandType());
 }
 
 int StagedDownload::chunksOf(const QByteArray &data) const
@@ -35,8 +34,8 @@ QByteArray StagedDownload::vpFrame(quint16 address, const QByteArray &bytes)
 {
     const int words = bytes.size() / 2;
     for (int i = 0; i < words; ++i)
-        m_builder.setVp(static_cast<quint16>(address + i), bigEndian::wordAt(bytes, 2 * i));
-    return m_builder.buildWriteVpFrame(address, static_cast<quint8>(words));
+        m_line.builder.setVp(static_cast<quint16>(address + i), bigEndian::wordAt(bytes, 2 * i));
+    return m_line.builder.buildWriteVpFrame(address, static_cast<quint8>(words));
 }
 
 void StagedDownload::writeWords(quint16 address, const QVector<int> &words)
@@ -44,17 +43,12 @@ void StagedDownload::writeWords(quint16 address, const QVector<int> &words)
     QByteArray bytes;
     for (const int word : words)
         bigEndian::appendWord(bytes, static_cast<quint16>(word));
-    m_link.write(vpFrame(address, bytes));
+    m_line.link.write(vpFrame(address, bytes));
 }
 
 bool StagedDownload::nextChunk()
 {
-    m_session.tick = 0;
-    showProgress();
+    session().tick = 0;
+    showProgress(m_index, m_chunks);
     return m_index < m_chunks;
-}
-
-void StagedDownload::showProgress() const
-{
-    m_window.showProgress(static_cast<int>(qint64{m_index} * 100 / m_chunks));
 }

@@ -3,16 +3,17 @@
 #include "ui_zero_font_page.h"
 
 #include "common/notices.h"
-#include "common/wait_cursor.h"
 #include "font/zero_font.h"
+#include "widgets/wait_cursor.h"
 
 #include <QFontDialog>
 #include <QSignalBlocker>
 #include <QTimer>
 
-ZeroFontPage::ZeroFontPage(const PageContext &context, QWidget *parent)
+ZeroFontPage::ZeroFontPage(const PageContext &context, const QString &folder, QWidget *parent)
     : QWidget(parent)
     , m_context(context)
+    , m_folder(folder)
     , m_ui(std::make_unique<Ui::ZeroFontPage>())
     , m_font("宋体", 8)
 {
@@ -61,7 +62,7 @@ void ZeroFontPage::on_CreatZeroFont_clicked()
 {
     {
         const WaitCursor busy;
-        zeroFont::write(m_context.folder, zeroFont::make(style(), [this](int percent) {
+        zeroFont::write(m_folder, zeroFont::make(style(), [this](int percent) {
                             m_ui->progressBar->setValue(percent);
                         }));
     }

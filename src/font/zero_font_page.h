@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serial/page_context.h"
+#include "common/page_context.h"
 
 #include <QFont>
 #include <QWidget>
@@ -20,7 +20,8 @@ class ZeroFontPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit ZeroFontPage(const PageContext &context, QWidget *parent = nullptr);
+    /// The font file goes to `folder`.
+    ZeroFontPage(const PageContext &context, const QString &folder, QWidget *parent = nullptr);
     ~ZeroFontPage() override;
 
     /// Chooses one of the offered languages and asks for it, also when it is the shown one.
@@ -50,6 +51,7 @@ private:
     void drawPreview();
 
     const PageContext m_context;
+    const QString m_folder;
     std::unique_ptr<Ui::ZeroFontPage> m_ui;
     QFont m_font;
     /// The first preview is drawn when the window has been painted: its start does not wait for it.

@@ -2,11 +2,12 @@
 
 #include "ui_ico_generator_page.h"
 
-#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
+#include "common/picture.h"
 #include "common/tool_settings.h"
-#include "common/wait_cursor.h"
+#include "widgets/drop_target.h"
+#include "widgets/wait_cursor.h"
 
 #include <QDir>
 
@@ -14,7 +15,6 @@ namespace {
 
 /// More names than these do not fit into a box.
 constexpr int maxNames = 20;
-const QString patterns = QStringLiteral("*.bmp;*.jpg;*.jpeg;*.png;*.gif");
 
 } // namespace
 
@@ -27,7 +27,7 @@ IcoGeneratorPage::IcoGeneratorPage(const PageContext &context, IcoManager &manag
     m_ui->setupUi(this);
     m_ui->ICOFileTable->setColumnWidth(1, 400);
     new DropTarget(*m_ui->ICOFileTable, [this](const QStringList &paths) {
-        const QStringList files = matching(paths, patterns);
+        const QStringList files = matching(paths, picture::filePatterns);
         if (QFileInfo(paths.first()).isDir())
             loadFolder(paths.first());
         else if (!files.isEmpty())
@@ -59,7 +59,7 @@ void IcoGeneratorPage::loadFolder(const QString &folder)
 void IcoGeneratorPage::on_selectIcoFilePath_clicked()
 {
     const QStringList paths =
-        m_context.fileDialogs.openFiles(m_context.settings.imageFolder(), patterns);
+        m_context.fileDialogs.openFiles(m_context.settings.imageFolder(), picture::filePatterns);
     if (!paths.isEmpty())
         load(paths);
 }

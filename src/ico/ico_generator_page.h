@@ -1,7 +1,7 @@
 #pragma once
 
+#include "common/page_context.h"
 #include "ico/ico_manager.h"
-#include "serial/page_context.h"
 
 #include <QWidget>
 

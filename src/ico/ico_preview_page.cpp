@@ -5,7 +5,7 @@
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/tool_settings.h"
-#include "common/wait_cursor.h"
+#include "widgets/wait_cursor.h"
 
 #include <QHeaderView>
 

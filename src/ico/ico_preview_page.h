@@ -1,8 +1,8 @@
 #pragma once
 
+#include "common/page_context.h"
 #include "ico/ico_manager.h"
 #include "ico/icon_pictures.h"
-#include "serial/page_context.h"
 
 #include <QWidget>
 

@@ -2,8 +2,6 @@
 
 #include "ui_image_conversion_page.h"
 
-#include "common/busy.h"
-#include "common/drop_target.h"
 #include "common/file_dialogs.h"
 #include "common/notices.h"
 #include "common/picture.h"
@@ -11,6 +9,8 @@
 #include "common/tool_settings.h"
 #include "imaging/picture_conversion.h"
 #include "imaging/picture_preview.h"
+#include "widgets/busy.h"
+#include "widgets/drop_target.h"
 
 #include <QDir>
 #include <QHeaderView>
@@ -40,15 +40,9 @@ ImageConversionPage::ImageConversionPage(const PageContext &context, QWidget *pa
 
 ImageConversionPage::~ImageConversionPage() = default;
 
-void ImageConversionPage::setResolutions(const QStringList &resolutions)
+QComboBox &ImageConversionPage::screenSizes()
 {
-    m_ui->pictureSrceen->clear();
-    m_ui->pictureSrceen->addItems(resolutions);
-}
-
-void ImageConversionPage::showResolution(const QString &resolution)
-{
-    m_ui->pictureSrceen->setCurrentText(resolution);
+    return *m_ui->pictureSrceen;
 }
 
 void ImageConversionPage::on_enlargement_clicked()

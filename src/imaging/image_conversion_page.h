@@ -1,13 +1,15 @@
 #pragma once
 
+#include "common/page_context.h"
 #include "imaging/picture_list.h"
-#include "serial/page_context.h"
 
 #include <QDateTime>
 #include <QImage>
 #include <QWidget>
 
 #include <memory>
+
+class QComboBox;
 
 namespace Ui {
 class ImageConversionPage;
@@ -22,10 +24,8 @@ public:
     explicit ImageConversionPage(const PageContext &context, QWidget *parent = nullptr);
     ~ImageConversionPage() override;
 
-    /// Offers `resolutions`, such as "480X272", in place of the built-in ones.
-    void setResolutions(const QStringList &resolutions);
-    /// Shows `resolution` if it is offered.
-    void showResolution(const QString &resolution);
+    /// Offers the screen sizes.
+    QComboBox &screenSizes();
 
     // No button fires these; they are kept for those who call them.
     void on_enlargement_clicked();

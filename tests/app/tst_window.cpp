@@ -1,4 +1,4 @@
-#include "serial/traffic_log.h"
+#include "engine/traffic_log.h"
 #include "support/window_test.h"
 
 #include <QCheckBox>

@@ -34,14 +34,7 @@ struct Bench : ModuleBench
     const CrcCheckItem &item(int index) const { return comparison->items().at(index); }
     QStringList results() const { return {item(0).compareResult, item(1).compareResult}; }
 
-    int rate = 115200;
-    int shown = 0;
-    QVector<int> progress;
-    CrcComparison *comparison =
-        add<CrcComparison>(commandType::crcComparison, builder,
-                           CrcComparison::Window{[this] { return rate; },
-                                                 [this](int percent) { progress.append(percent); },
-                                                 [this] { ++shown; }});
+    CrcComparison *comparison = add<CrcComparison>(line);
 };
 
 const QString finished = "Check finish !";
@@ -128,7 +121,7 @@ private slots:
              {std::tuple(9600, 42, 69), {115200, 5, 7}, {6250000, 2, 2}}) {
             const Row row(rate);
             Bench bench;
-            bench.rate = rate;
+            bench.settings.baudRate = rate;
             bench.list(0x41000);
             const int unitTicks = 1 + readTicks + compareTicks;
             bench.start(2 * unitTicks - 1);
@@ -140,10 +133,10 @@ private slots:
             QCOMPARE(bench.writeTicks,
                      (QVector<int>{1, 1 + readTicks, 1 + unitTicks, 1 + unitTicks + readTicks}));
             QCOMPARE(bench.progress, (QVector<int>{0, 0, 50}));
-            QCOMPARE(bench.shown, 0);
+            QCOMPARE(bench.outcomes.size(), 0);
             bench.notices.whileOpen = [&bench] {
                 QCOMPARE(bench.session.commandType, commandType::idle);
-                QCOMPARE(bench.shown, 1);
+                QCOMPARE(bench.outcomes.size(), 1);
                 bench.tick(1000);
             };
             bench.tick(1);
@@ -215,7 +208,7 @@ private slots:
         bench.answers = false;
         bench.notices.whileOpen = [&bench] {
             QVERIFY(!bench.link.isOpen());
-            QCOMPARE(bench.shown, 1);
+            QCOMPARE(bench.outcomes.size(), 1);
             bench.tick(100);
         };
         bench.tick(100);
@@ -243,10 +236,10 @@ private slots:
         bench.link.canOpen = false;
         bench.link.close();
         bench.comparison->start();
-        const int shown = bench.shown;
+        const int shown = bench.outcomes.size();
         bench.tick(50);
         QCOMPARE(bench.notices.shown, QStringList{"Serial opening failed !"});
-        QCOMPARE(bench.shown, shown + 1);
+        QCOMPARE(bench.outcomes.size(), shown + 1);
         QCOMPARE(bench.session.commandType, commandType::idle);
     }
 

@@ -10,13 +10,11 @@ namespace {
 
 struct Bench : StepBench
 {
-    explicit Bench(const BlockDownload::Kind &kind)
-        : download(add<BlockDownload>(kind.commandType, kind,
-                                      [this](int percent) { progress.append(percent); }))
+    explicit Bench(const BlockDownload::Kind &kind, const StepPolicy &stepPolicy = asTheWindow)
+        : StepBench(stepPolicy), download(add<BlockDownload>(line, kind))
     {
     }
 
-    QVector<int> progress;
     BlockDownload *download;
 };
 
@@ -131,6 +129,17 @@ private slots:
             QCOMPARE(&picture::refusal(content),
                      content == tooLarge ? &texts::pictureTooLarge : &texts::fileIsNotPicture);
         }
+    }
+
+    void strictDownloadsAwaitEachAcknowledgement()
+    {
+        Bench bench(BlockDownload::fonts(), {});
+        bench.download->start({{1, "a"}, {2, "b"}}, 800);
+        bench.tick(1);
+        bench.session.replyReceived = true;
+        bench.tick(899);
+        QCOMPARE(bench.link.written.size(), 3);
+        QCOMPARE(bench.outcomes, QVector<Outcome>{Outcome::Failed});
     }
 };
 

@@ -1,4 +1,4 @@
-#include "download/heartbeat.h"
+#include "engine/heartbeat.h"
 #include "support/event_loop.h"
 #include "support/step_bench.h"
 
@@ -12,13 +12,13 @@ using Ticks = QVector<int>;
 class ScriptedStep final : public Step
 {
 public:
-    using Step::Step;
+    explicit ScriptedStep(const Line &line) : Step(type, line) {}
     std::function<void(int tick)> onTick = [](int) {};
 
     void step() override
     {
-        ran.append(m_session.tick);
-        onTick(m_session.tick);
+        ran.append(session().tick);
+        onTick(session().tick);
     }
 
     Ticks ran;
@@ -39,7 +39,7 @@ struct Bench : StepBench
         return step->ran;
     }
 
-    ScriptedStep *step = add<ScriptedStep>(type);
+    ScriptedStep *step = add<ScriptedStep>(line);
     qint64 now = 0;
     qint64 perReading = 0; // passes whenever the time is read
     int reads = 0;

@@ -1,6 +1,6 @@
-#include "download/system_reset.h"
-#include "download/transaction.h"
-#include "serial/traffic_log.h"
+#include "engine/system_reset.h"
+#include "engine/traffic_log.h"
+#include "engine/transaction.h"
 #include "support/row.h"
 #include "support/step_bench.h"
 
@@ -12,23 +12,27 @@ constexpr int unanswered = commandType::readVp;
 /// A session with a transaction of each answer, and the system reset.
 struct Bench : StepBench
 {
-    Bench()
+    explicit Bench(const StepPolicy &stepPolicy = asTheWindow) : StepBench(stepPolicy)
     {
-        const auto frame = [this] { return builder.buildWriteVpFrame(0x84, 2); };
-        add<Transaction>(acknowledged, log, Transaction::Answer::Acknowledgement, frame);
-        add<Transaction>(unanswered, log, Transaction::Answer::Anything, frame);
-        add<SystemReset>(commandType::systemReset, builder);
         builder.setVp(0x84, 0x5A01);
         builder.setVp(0x85, 0x0007);
     }
 
     void run(int type, int times)
     {
-        session.start(type);
+        const auto frame = [this] { return builder.buildWriteVpFrame(0x84, 2); };
+        if (type == acknowledged)
+            write->start(frame);
+        else if (type == unanswered)
+            read->start(frame);
+        else
+            session.start(type);
         tick(times);
     }
 
-    TrafficLog log;
+    Transaction *write = add<Transaction>(acknowledged, line, Transaction::Answer::Acknowledgement);
+    Transaction *read = add<Transaction>(unanswered, line, Transaction::Answer::Anything);
+    SystemReset *reset = add<SystemReset>(line);
 };
 
 const QByteArray frame = QByteArray::fromHex("5AA5078200845A010007");
@@ -58,7 +62,7 @@ private slots:
     void transactionSendsAtTickOneAndEndsAtTickHundred()
     {
         Bench bench;
-        bench.session.start(unanswered);
+        bench.run(unanswered, 0);
         QCOMPARE(bench.link.opens, 0);
         bench.tick(1);
         QCOMPARE(bench.link.written, QVector<QByteArray>{frame});
@@ -77,6 +81,12 @@ private slots:
         bench.run(acknowledged, 100);
         QCOMPARE(bench.notices.shown, QStringList{failure});
         QCOMPARE(bench.link.written.size(), 3);
+        QCOMPARE(bench.outcomes, (QVector<Outcome>{Outcome::Done, Outcome::Done, Outcome::Failed}));
+
+        Bench strict{StepPolicy()};
+        strict.session.replyReceived = true; // of an earlier exchange
+        strict.run(acknowledged, 100);
+        QCOMPARE(strict.notices.shown, QStringList{failure});
     }
 
     void ticksDuringTheBoxFindTheSessionIdle()

@@ -1,11 +1,11 @@
 #include "common/big_endian.h"
 #include "common/picture.h"
 #include "download/bmp_download.h"
-#include "download/ico_download.h"
+#include "download/flash_download.h"
 #include "download/jpeg_file.h"
 #include "download/jpg_download.h"
 #include "download/os_download.h"
-#include "download/system_reset.h"
+#include "engine/system_reset.h"
 #include "support/module_bench.h"
 #include "support/random_bytes.h"
 #include "support/row.h"
@@ -20,9 +20,11 @@ const QString failure = "Communication failure !";
 /// The downloads over UART2 to the simulated module.
 struct Bench : ModuleBench
 {
-    explicit Bench(int lineRate = 115200, bool crc = false) : ModuleBench(crc), rate(lineRate)
+    explicit Bench(int rate = 115200, bool crc = false, const StepPolicy &stepPolicy = asTheWindow)
+        : ModuleBench(crc, stepPolicy)
     {
-        add<SystemReset>(commandType::systemReset, builder);
+        settings.baudRate = rate;
+        add<SystemReset>(line);
     }
 
     /// Runs until the exchange is over; false if it is not within `limit` ticks.
@@ -53,31 +55,23 @@ struct Bench : ModuleBench
                   : isK7Uid1                            ? k7::Layout::K7uid1
                                                         : k7::Layout::K7uid3);
         if (type == commandType::bmpDownload)
-            linearBmp->start(content);
+            linearBmp->start(content, [] { return 0; });
         else if (type == commandType::pagedBmpDownload)
-            pagedBmp->start(content);
+            pagedBmp->start(content, [this] { return page; });
         else if (type == commandType::jpgDownload)
-            jpg->start(content);
+            jpg->start(content, [this] { return display; });
         else
-            ico->start(content, 3);
+            flash->start(content, 3, [this] { return isK7Uid1; });
     }
 
-    int rate;
     int page = 7;
     bool isK7Uid1 = true;
     JpgDownload::Display display{0, 100, 50};
-    int progress = -1;
-    const StagedDownload::Window window{[this] { return rate; },
-                                        [this](int percent) { progress = percent; }};
-    BmpDownload *linearBmp =
-        add<BmpDownload>(commandType::bmpDownload, builder, window, BmpDownload::linear());
-    BmpDownload *pagedBmp = add<BmpDownload>(commandType::pagedBmpDownload, builder, window,
-                                             BmpDownload::paged([this] { return page; }));
-    JpgDownload *jpg =
-        add<JpgDownload>(commandType::jpgDownload, builder, window, [this] { return display; });
-    IcoDownload *ico =
-        add<IcoDownload>(commandType::icoDownload, builder, window, [this] { return isK7Uid1; });
-    OsDownload *os = add<OsDownload>(commandType::osDownload, builder, window.rate);
+    BmpDownload *linearBmp = add<BmpDownload>(line, BmpDownload::linear());
+    BmpDownload *pagedBmp = add<BmpDownload>(line, BmpDownload::paged());
+    JpgDownload *jpg = add<JpgDownload>(line);
+    FlashDownload *flash = add<FlashDownload>(line);
+    OsDownload *os = add<OsDownload>(line);
 };
 
 } // namespace
@@ -297,7 +291,7 @@ private slots:
         QCOMPARE(bench.notices.shown, QStringList{complete});
         // At a rate where only the end tick counts, the last one of 99 repeats the first chunk for
         // ever.
-        bench.rate = 6250000;
+        bench.settings.baudRate = 6250000;
         bench.start(commandType::icoDownload, "a");
         bench.tick(100);
         QCOMPARE(bench.link.written.size(), 259);
@@ -388,6 +382,29 @@ private slots:
         QCOMPARE(jpegWithin(original, 100).refusal, &texts::jpegTooLarge);
     }
 
+    void strictDownloadsAwaitEachAcknowledgementAndSettleFirst()
+    {
+        for (const int type :
+             {commandType::bmpDownload, commandType::jpgDownload, commandType::icoDownload}) {
+            const Row row(type);
+            Bench bench(115200, false, {});
+            bench.start(type, randomBytes(1000));
+            bench.tick(20);
+            bench.answers = false; // from the second chunk on
+            QVERIFY(bench.finish());
+            QCOMPARE(bench.notices.shown, QStringList{failure});
+        }
+        Bench bench(115200, false, {});
+        bench.os->load(QByteArray(4096, 0) + "ab");
+        bench.os->start();
+        bench.notices.whileOpen = [&bench] {
+            QCOMPARE(bench.session.commandType, commandType::systemReset);
+        };
+        QVERIFY(bench.finish());
+        QCOMPARE(bench.notices.shown, QStringList{complete});
+        QCOMPARE(bench.module.restarts(), 1);
+    }
+
 private:
     static void arrives(int type, int rate, int bytes)
     {
@@ -398,12 +415,12 @@ private:
         bench.session.replyReceived = true; // of an earlier exchange
         bench.start(type, content);
         QVERIFY(!bench.session.replyReceived);
-        QCOMPARE(bench.progress, 0);
+        QCOMPARE(bench.progress.last(), 0);
         bench.tick(1);
         bench.answers = false; // only the first acknowledgement is awaited
         QVERIFY(bench.finish());
         QCOMPARE(bench.notices.shown, QStringList{complete});
-        QCOMPARE(bench.progress, 100);
+        QCOMPARE(bench.progress.last(), 100);
         QVERIFY(!bench.link.isOpen());
         QVERIFY(!bench.session.replyReceived);
 

@@ -1,5 +1,6 @@
-#include "serial/hex_spin_box.h"
-#include "serial/serial_set.h"
+#include "assistant/hex_spin_box.h"
+#include "assistant/serial_set.h"
+#include "serial/system_ports.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -36,7 +37,7 @@ private slots:
     void onlyConfirmedEditsCount()
     {
         SerialSet set;
-        set.begin(SerialSet::systemPorts());
+        set.begin(systemPorts());
         QCOMPARE(set.settings().baudRate, 115200);
         QCOMPARE(set.settings().header1, quint8(0x5A));
         QCOMPARE(set.settings().header2, quint8(0xA5));
@@ -64,7 +65,7 @@ private slots:
     void offeredPortsStandAfterTheListedOnes()
     {
         SerialSet set;
-        set.begin(SerialSet::systemPorts());
+        set.begin(systemPorts());
         set.offerPorts({"/dev/one", "/dev/two"});
         QComboBox *ports = comboWith(set, "Refresh");
         QCOMPARE(ports->itemText(ports->count() - 2), QString("/dev/one"));

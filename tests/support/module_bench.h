@@ -8,7 +8,8 @@
 /// tick that writes.
 struct ModuleBench : StepBench
 {
-    explicit ModuleBench(bool crc = false) : module(k7::ModuleSettings{{0x5A, 0xA5, crc}})
+    explicit ModuleBench(bool crc = false, const StepPolicy &stepPolicy = asTheWindow)
+        : StepBench(stepPolicy), module(k7::ModuleSettings{{0x5A, 0xA5, crc}})
     {
         builder.setHeader(0x5A, 0xA5, crc);
         replies.setHeader(0x5A, 0xA5);

@@ -1,27 +1,33 @@
 #pragma once
 
-#include "download/step_dispatch.h"
-#include "serial/frame_builder.h"
+#include "engine/step_dispatch.h"
+#include "engine/traffic_log.h"
 #include "support/fake_link.h"
 #include "support/recording_notices.h"
+
+/// What the window asks of its steps.
+inline constexpr StepPolicy asTheWindow{false, false};
 
 /// A session whose steps run tick by tick over a link without a device.
 struct StepBench
 {
-    StepBench()
+    explicit StepBench(const StepPolicy &stepPolicy = asTheWindow) : policy(stepPolicy)
     {
         builder.setHeader(0x5A, 0xA5, false);
         link.whenWritten = [this](const QByteArray &) { writeTicks.append(ticks); };
+        QObject::connect(&reports, &ExchangeReports::progressed,
+                         [this](int, int percent) { progress.append(percent); });
+        QObject::connect(&reports, &ExchangeReports::ended,
+                         [this](int, Outcome outcome) { outcomes.append(outcome); });
     }
 
-    /// Adds the step of exchange `type`, made with `arguments` behind those that every step takes.
+    /// Adds a step that is made of `arguments`.
     template<typename StepClass, typename... Arguments>
-    StepClass *add(int type, Arguments &&...arguments)
+    StepClass *add(Arguments &&...arguments)
     {
-        auto step = std::make_unique<StepClass>(session, link, notices,
-                                                std::forward<Arguments>(arguments)...);
+        auto step = std::make_unique<StepClass>(std::forward<Arguments>(arguments)...);
         StepClass *added = step.get();
-        dispatch.add(type, std::move(step));
+        dispatch.add(std::move(step));
         return added;
     }
 
@@ -33,11 +39,18 @@ struct StepBench
         }
     }
 
+    const StepPolicy policy;
     int ticks = 0;
     QVector<int> writeTicks; // of every write, counted from the start of the bench
+    QVector<int> progress;   // in percent
+    QVector<Outcome> outcomes;
     DownloadSession session;
     FrameBuilder builder;
     FakeLink link;
     RecordingNotices notices;
+    TrafficLog log;
+    SerialSettings settings{{}, 115200};
+    ExchangeReports reports;
     StepDispatch dispatch{session};
+    const Line line{session, link, builder, notices, log, settings, reports, policy};
 };

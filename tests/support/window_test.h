@@ -4,7 +4,7 @@
 #include "app/confirm_settings.h"
 #include "app/dialog.h"
 #include "app/message_boxes.h"
-#include "serial/serial_set.h"
+#include "assistant/serial_set.h"
 #include "simulator/simulator.h"
 #include "support/event_loop.h"
 

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// Numbers of the exchanges with the module; 0 is none.
+namespace commandType {
+inline constexpr int idle = 0;
+inline constexpr int osDownload = 2;
+inline constexpr int readRegister = 7;
+inline constexpr int readVp = 8;
+inline constexpr int systemReset = 10;
+inline constexpr int writeVp = 11;
+inline constexpr int writeRegister = 12;
+inline constexpr int fontDownload = 13;
+inline constexpr int pictureDownload = 14;
+inline constexpr int curve = 15;
+inline constexpr int freeForm = 16;
+inline constexpr int bmpDownload = 17;
+inline constexpr int jpgDownload = 18;
+inline constexpr int icoDownload = 19;
+inline constexpr int pagedBmpDownload = 20;
+inline constexpr int crcComparison = 21;
+} // namespace commandType
+
+/// The exchange that is running. Something starts one, the heartbeat counts its ticks, its step
+/// ends it.
+struct DownloadSession
+{
+    int commandType = commandType::idle;
+    int tick = 0;               ///< ticks since the current step began; 0 while idle
+    bool replyReceived = false; ///< the module acknowledged; cleared by some steps only
+    quint16 writeStart = 0;     ///< first VP address of a write-VP exchange
+    quint8 writeCount = 0;      ///< words or register bytes of a write exchange
+    quint32 starts = 0;         ///< exchanges started so far, so that the clock sees each of them
+
+    /// Starts the exchange `type`, in place of the running one if there is one. What it needs must
+    /// be prepared before.
+    void start(int type)
+    {
+        tick = 0;
+        takeOver(type);
+    }
+
+    /// Starts the exchange `type` as well, but goes on counting the ticks of the one it replaces.
+    void takeOver(int type)
+    {
+        commandType = type;
+        ++starts;
+    }
+};

@@ -1,0 +1,33 @@
+#include "engine/transaction.h"
+
+#include "engine/traffic_log.h"
+
+void Transaction::start(std::function<QByteArray()> frame)
+{
+    m_frame = std::move(frame);
+    session().start(commandType());
+}
+
+void Transaction::step()
+{
+    if (session().tick == sendTick) {
+        if (!ensureOpen())
+            return;
+        const QByteArray frame = m_frame();
+        writeAwaited(frame);
+        m_line.log.add(TrafficLog::Direction::Sent, frame);
+    } else if (session().tick == endTick) {
+        if (m_answer == Answer::Acknowledgement && !session().replyReceived)
+            fail();
+        else
+            end(Outcome::Done);
+    }
+}
+
+void Transaction::rewind()
+{
+    // The flag is cleared at the end only, not at the start: in the window an acknowledgement that
+    // a stopped download left behind counts for the next write. That is wanted.
+    if (m_answer == Answer::Acknowledgement)
+        session().replyReceived = false;
+}

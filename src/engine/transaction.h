@@ -1,0 +1,34 @@
+#pragma once
+
+#include "engine/step.h"
+
+#include <functional>
+
+/// A single frame that goes out over UART2, and the time that the module has to answer it.
+class Transaction final : public Step
+{
+public:
+    enum class Answer {
+        Acknowledgement, ///< must have come by the end, or the exchange has failed
+        Anything,        ///< replies are taken in as they come; silence is no failure
+    };
+
+    static constexpr int sendTick = 1;
+    static constexpr int endTick = 100;
+
+    Transaction(int commandType, const Line &line, Answer answer)
+        : Step(commandType, line), m_answer(answer)
+    {
+    }
+
+    /// Starts the exchange; `frame` builds the bytes to send, at the very tick that sends them.
+    void start(std::function<QByteArray()> frame);
+    void step() override;
+
+protected:
+    void rewind() override;
+
+private:
+    const Answer m_answer;
+    std::function<QByteArray()> m_frame;
+};
