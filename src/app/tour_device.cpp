@@ -179,10 +179,10 @@ bool backlight(TourPerson &person)
 bool deviceConfig(TourPerson &person)
 {
     const auto choose = [&person](bool isOn) {
-        person.press(isOn ? "sdStatusOpen_2" : "sdStatusClose_2");
-        person.press(isOn ? "touchVoiceOpen_2" : "touchVoiceClose_2");
-        person.press(isOn ? "touchLightOpen_2" : "touchLightClose_2");
-        person.press(isOn ? "displayDirection270_2" : "displayDirection0_2");
+        person.click(isOn ? "sdStatusOpen_2" : "sdStatusClose_2");
+        person.click(isOn ? "touchVoiceOpen_2" : "touchVoiceClose_2");
+        person.click(isOn ? "touchLightOpen_2" : "touchLightClose_2");
+        person.click(isOn ? "displayDirection270_2" : "displayDirection0_2");
     };
     choose(true);
     if (!person.pressUntil("writeConfig", [&] { return person.module().vp(0x81) == 0x001F; }))

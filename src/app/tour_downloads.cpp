@@ -39,7 +39,7 @@ bool configFiles(TourPerson &person)
     const QString touchPath = person.write("13触控配置文件.bin", touch);
     const QString variablePath = person.write("14变量配置文件.bin", variables);
     person.dialog().setDefaultFolder(person.folder());
-    person.press("deleteFontAll");
+    person.click("deleteFontAll");
     person.check("touchConfig", true);
     person.check("variableConfig", true);
     const bool isSent = person.pressAndRead("downloadFont", downloaded);
@@ -55,9 +55,9 @@ bool configFiles(TourPerson &person)
 bool stopped(TourPerson &person, const char *start, const char *stop)
 {
     person.boxes().texts.clear();
-    person.press(start);
+    person.click(start);
     runEventLoop(400);
-    person.press(stop);
+    person.click(stop);
     runEventLoop(800);
     return person.boxes().texts.isEmpty();
 }
@@ -88,11 +88,11 @@ bool picture(TourPerson &person)
 bool stopPicture(TourPerson &person)
 {
     const QImage image = tourDrawing({480, 272}, 280);
-    person.press("deletePictureAll");
+    person.click("deletePictureAll");
     person.choose("choosePictureFile",
                   {person.write("20_a.bmp", image), person.write("21_b.bmp", image)});
     const bool isStopped = stopped(person, "downloadPicture", "stopPicture");
-    person.press("deletePictureAll");
+    person.click("deletePictureAll");
     return isStopped && person.module().pictures().value(20) == naivePixels(image) &&
            !person.module().pictures().contains(21);
 }
@@ -132,7 +132,7 @@ bool sendJpeg(TourPerson &person)
 
 bool shownJpeg(TourPerson &person)
 {
-    person.press("renewalPageNow");
+    person.click("renewalPageNow");
     person.set("jpgPositionX", 200);
     person.set("jpgPositionY", 150);
     return showPage(person, 5) && sendJpeg(person) && !person.module().jpeg().isStored &&
@@ -141,7 +141,7 @@ bool shownJpeg(TourPerson &person)
 
 bool storedJpeg(TourPerson &person)
 {
-    person.press("renewalPageID");
+    person.click("renewalPageID");
     person.set("jpgPositionID", 77);
     return sendJpeg(person) && person.module().jpeg().isStored &&
            person.module().jpeg().first == 77 && showPage(person, 77);

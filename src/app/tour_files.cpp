@@ -14,7 +14,7 @@ bool configuration(TourPerson &person)
     person.set("baudRateSet", 9600);
     person.check("openBootSet", true);
     person.set("bootPage", 321);
-    person.press("displayDirection270");
+    person.click("displayDirection270");
     const QString path = person.filePath("module.CFG");
     person.choose("createCfgFile", {path});
     const QByteArray file = readFile(path).value_or(QByteArray());
@@ -25,7 +25,7 @@ bool configuration(TourPerson &person)
     person.select("K7UIModel", "K7UID1");
     person.set("baudRateSet", 115200);
     person.check("openBootSet", false);
-    person.press("displayDirection0");
+    person.click("displayDirection0");
     person.choose("openCfgFile", {path});
     return isWritten && person.find<QComboBox>("K7UIModel")->currentText() == "K7UID2" &&
            person.value("baudRateSet") == 9600 && person.isChecked("openBootSet") &&

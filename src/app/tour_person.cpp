@@ -1,72 +1,7 @@
 #include "app/tour_person.h"
 
-#include "app/choose_in_dialog.h"
-#include "app/confirm_settings.h"
-
-#include <QAbstractButton>
-#include <QComboBox>
 #include <QFile>
 #include <QPainter>
-#include <QSpinBox>
-#include <QTabWidget>
-#include <QTableWidget>
-
-void TourPerson::press(const char *name)
-{
-    find<QAbstractButton>(name)->click();
-}
-
-void TourPerson::set(const char *name, int value)
-{
-    find<QSpinBox>(name)->setValue(value);
-}
-
-int TourPerson::value(const char *name)
-{
-    return find<QSpinBox>(name)->value();
-}
-
-void TourPerson::select(const char *name, const QString &text)
-{
-    find<QComboBox>(name)->setCurrentText(text);
-}
-
-void TourPerson::type(const char *name, const QString &text)
-{
-    find<QLineEdit>(name)->setText(text);
-}
-
-void TourPerson::check(const char *name, bool isOn)
-{
-    auto *button = find<QAbstractButton>(name);
-    if (button->isChecked() != isOn)
-        button->click();
-}
-
-bool TourPerson::isChecked(const char *name)
-{
-    return find<QAbstractButton>(name)->isChecked();
-}
-
-void TourPerson::show(const char *page)
-{
-    for (auto *widget = find<QWidget>(page); widget; widget = widget->parentWidget())
-        for (auto *tabs : m_dialog.findChildren<QTabWidget *>())
-            if (tabs->indexOf(widget) >= 0)
-                tabs->setCurrentWidget(widget);
-}
-
-void TourPerson::choose(const char *button, const QStringList &paths)
-{
-    chooseInNextDialog(paths);
-    press(button);
-}
-
-void TourPerson::confirm(const char *button, const std::function<void(SerialSet &)> &edit)
-{
-    confirmNextSettings(edit);
-    press(button);
-}
 
 void TourPerson::useLayout(const QString &layout)
 {
@@ -81,14 +16,14 @@ void TourPerson::useLayout(const QString &layout)
 bool TourPerson::pressAndRead(const char *button, const QString &text)
 {
     m_boxes.texts.clear();
-    press(button);
+    click(button);
     runEventLoopUntil([this] { return !m_boxes.texts.isEmpty(); }, 60000);
     return m_boxes.texts == QStringList{text};
 }
 
 bool TourPerson::pressUntil(const char *button, const std::function<bool()> &isDone)
 {
-    press(button);
+    click(button);
     runEventLoopUntil(isDone);
     runEventLoop(120);
     return isDone();
@@ -99,11 +34,8 @@ bool TourPerson::crcHolds(const QString &path)
     choose("openFile", {path});
     if (!pressAndRead("compareCheck", "Check finish !"))
         return false;
-    auto *table = find<QTableWidget>("crcTableWidget");
-    bool allEqual = table->rowCount() > 0;
-    for (int row = 0; row < table->rowCount(); ++row)
-        allEqual = allEqual && table->item(row, 3)->text() == "true";
-    return allEqual;
+    const QStringList results = column("crcTableWidget", 3);
+    return !results.isEmpty() && results.count("true") == results.size();
 }
 
 QString TourPerson::write(const QString &name, const QByteArray &content)

@@ -2,46 +2,28 @@
 
 #include "app/dialog.h"
 #include "app/message_boxes.h"
+#include "app/person.h"
 #include "common/event_loop.h"
 #include "simulator/simulator.h"
 
 #include <QTemporaryDir>
 #include <QVector>
 
-class SerialSet;
-
 /// The person at the window, with a module beside it and a folder for the files of the trade.
-class TourPerson
+class TourPerson : public Person
 {
 public:
     TourPerson(Dialog &dialog, k7::Simulator &simulator) : m_dialog(dialog), m_simulator(simulator)
     {
     }
 
+    QWidget &window() override { return m_dialog; }
     bool isReady() const { return m_files.isValid(); }
     Dialog &dialog() { return m_dialog; }
     k7::Simulator &simulator() { return m_simulator; }
     k7::Module &module() { return m_simulator.module(); }
     MessageBoxes &boxes() { return m_boxes; }
 
-    template<typename Widget>
-    Widget *find(const char *name)
-    {
-        return m_dialog.findChild<Widget *>(name);
-    }
-    void press(const char *name);
-    void set(const char *name, int value);
-    int value(const char *name);
-    void select(const char *name, const QString &text);
-    void type(const char *name, const QString &text);
-    void check(const char *name, bool isOn);
-    bool isChecked(const char *name);
-    /// Opens all the tabs that lead to `page`.
-    void show(const char *page);
-    /// Presses `button` and chooses `paths` in the file dialog that it opens.
-    void choose(const char *button, const QStringList &paths);
-    /// Presses `button`, does `edit` in the settings dialog that it opens, and confirms it.
-    void confirm(const char *button, const std::function<void(SerialSet &)> &edit = {});
     /// Chooses `layout`, such as "K7UID2", for a module that has it.
     void useLayout(const QString &layout);
 

@@ -1,30 +1,24 @@
 #pragma once
 
-#include "app/choose_in_dialog.h"
-#include "app/confirm_settings.h"
 #include "app/dialog.h"
 #include "app/message_boxes.h"
+#include "app/person.h"
 #include "assistant/serial_set.h"
 #include "simulator/simulator.h"
 #include "support/event_loop.h"
 
-#include <QComboBox>
 #include <QFile>
 #include <QImage>
-#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QSettings>
-#include <QSpinBox>
-#include <QTableWidget>
 #include <QTemporaryDir>
-#include <QTextEdit>
 
 #include <memory>
 
 /// Base of the tests that drive the real window against the simulated module: each test has a new
 /// window.
-class WindowTest : public QObject
+class WindowTest : public QObject, public Person
 {
     Q_OBJECT
 
@@ -33,6 +27,7 @@ private slots:
     void cleanup() { closeWindow(); }
 
 protected:
+    QWidget &window() override { return *m_dialog; }
     /// Opens a window with default settings, on the ports of a new module. False when the system
     /// has no terminals for it.
     bool openWindow()
@@ -52,11 +47,7 @@ protected:
     }
     /// Confirms 6250000 baud in the settings dialog of the ED2 link, as everybody must who wants to
     /// use it.
-    void confirmEd2Rate()
-    {
-        confirmNextSettings();
-        click("serialSet_2");
-    }
+    void confirmEd2Rate() { confirm("serialSet_2"); }
     /// What the module is told when it starts.
     void useLayout(k7::Layout layout)
     {
@@ -71,41 +62,8 @@ protected:
         m_boxes.reset();
     }
 
-    template<typename Widget>
-    Widget *find(const QString &name)
-    {
-        auto *widget = m_dialog->findChild<Widget *>(name);
-        if (!widget)
-            qFatal("no widget %s", qPrintable(name));
-        return widget;
-    }
-    void click(const QString &name) { find<QAbstractButton>(name)->click(); }
-    void set(const QString &spinBox, int value) { find<QSpinBox>(spinBox)->setValue(value); }
-    int value(const QString &spinBox) { return find<QSpinBox>(spinBox)->value(); }
-    void select(const QString &combo, const QString &text)
-    {
-        find<QComboBox>(combo)->setCurrentText(text);
-    }
-    bool isChecked(const QString &button) { return find<QAbstractButton>(button)->isChecked(); }
-    QString line(const QString &edit) { return find<QLineEdit>(edit)->text(); }
-    QString view(const QString &edit) { return find<QTextEdit>(edit)->toPlainText(); }
-    /// The texts of `column` from the top.
-    QStringList column(const QString &table, int column)
-    {
-        auto *widget = find<QTableWidget>(table);
-        QStringList texts;
-        for (int row = 0; row < widget->rowCount(); ++row)
-            texts.append(widget->item(row, column)->text());
-        return texts;
-    }
-    /// Presses `button` and chooses `paths` in the file dialog that it opens; none cancels it.
-    void choose(const QString &button, const QStringList &paths)
-    {
-        chooseInNextDialog(paths);
-        click(button);
-    }
-    /// The same for a file that is there already: the dialog asks before it replaces it, and the
-    /// person agrees.
+    /// Chooses a file that is there already: the dialog asks before it replaces it, and the person
+    /// agrees.
     void chooseOverOldFile(const QString &button, const QString &path)
     {
         QTimer agree;
