@@ -23,9 +23,9 @@ Lines linesOf(const QByteArray &text)
             continue;
         }
         line += c;
+        isComment = isComment ? c != '\r' : c == ';' && !isQuoted;
         if (isComment)
             continue;
-        isComment = c == ';' && !isQuoted;
         if (c == '"')
             isQuoted = !isQuoted;
         else if (c == '\\' && i + 1 < text.size())

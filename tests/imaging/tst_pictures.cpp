@@ -107,6 +107,7 @@ private slots:
             {chart(30, 20), {90, 20}, 100, {13, 0}},
             {chart(100, 70), small, 400, {50, 40}},
             {chart(100, 70), small, 400, {132, 68}}, // to the edge
+            {chart(100, 70), small, 400, {999, 999}},
             {chart(50, 50, QImage::Format_ARGB32), small, 125, {}},
             {chart(50, 50, QImage::Format_Indexed8), small, 150, {3, 0}},
             {chart(50, 50, QImage::Format_RGB888), small, 99, {}},
@@ -119,9 +120,11 @@ private slots:
                 picture.scaled(w, h, Qt::IgnoreAspectRatio, Qt::FastTransformation);
             QImage expected(canvas, QImage::Format_RGB32);
             expected.fill(qRgb(128, 128, 128));
-            for (int y = 0; y < qMin(40, h - offset.y()); ++y)
-                for (int x = 0; x < qMin(60, w - offset.x()); ++x)
-                    expected.setPixel(x, y, scaled.pixel(x + offset.x(), y + offset.y()));
+            const QPoint first(qMin(offset.x(), qMax(0, w - 60)),
+                               qMin(offset.y(), qMax(0, h - 40)));
+            for (int y = 0; y < qMin(40, h); ++y)
+                for (int x = 0; x < qMin(60, w); ++x)
+                    expected.setPixel(x, y, scaled.pixel(first + QPoint(x, y)));
             const PicturePreview preview = drawPreview(picture, screen, percent, offset, canvas);
             QCOMPARE(preview.maxX, w > 60 ? w - 60 : 0);
             QCOMPARE(preview.maxY, h > 40 ? h - 40 : 0);
@@ -206,7 +209,7 @@ private slots:
         batch.append({in.filePath("6.png"), out.filePath("6.bmp")});
         for (const char *name : {"1.png", "7.png", "missing.png"}) // the last one of an output wins
             batch.append({in.filePath(name), out.filePath("7.bmp")});
-        for (const QSize &size : {QSize(0, 5), QSize(-480, -272), QSize(60000, 60000)})
+        for (const QSize &size : {QSize(0, 5), QSize(-480, -272), QSize(10000, 10001)})
             pictureConversion::run(batch, size);
         QVERIFY(QDir(out.path()).isEmpty());
         pictureConversion::run(batch, QSize(48, 27));
