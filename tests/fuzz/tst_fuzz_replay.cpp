@@ -53,7 +53,7 @@ class TestFuzzReplay : public QObject
 private slots:
     void cfg() { replay("fuzz_cfg", fuzz_cfg); }
     void crcItems() { replay("fuzz_crc_items", fuzz_crc_items); }
-    void ico() { replay("fuzz_ico", fuzz_ico, 1000); }
+    void ico() { replay("fuzz_ico", fuzz_ico, 500); }
     void replies() { replay("fuzz_replies", fuzz_replies); }
     void settings() { replay("fuzz_settings", fuzz_settings, 400); }
 
