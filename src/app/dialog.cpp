@@ -27,7 +27,7 @@ namespace {
 QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QString &caption,
                          const QString &name)
 {
-    auto *page = new QWidget;
+    auto *page = new QWidget(tabs);
     page->setObjectName(pageName);
     auto *inner = new QTabWidget(page);
     inner->setObjectName(name);
@@ -63,8 +63,6 @@ Dialog::Dialog(Links links, QWidget *parent)
     , m_fileDialogs(this)
     , m_links(std::move(links))
     , m_engine(*m_links.uart, *m_links.ed2, m_notices, windowPolicy)
-    , m_uartSet(new SerialSet(this))
-    , m_ed2Set(new SerialSet(this))
 {
     setWindowTitle("VORAII_Tool1.0.0.3");
     setFixedSize(1017, 645);
@@ -73,6 +71,8 @@ Dialog::Dialog(Links links, QWidget *parent)
     windowFont.setPixelSize(12);
     setFont(windowFont);
 
+    m_uartSet = new SerialSet(this);
+    m_ed2Set = new SerialSet(this);
     for (SerialSet *set : {m_uartSet, m_ed2Set})
         set->setWindowTitle("Serial set");
     buildPages();
@@ -164,35 +164,36 @@ void Dialog::buildPages()
 {
     const PageContext context{m_notices, m_fileDialogs, m_settings, m_language.isEnglish()};
 
+    // Each page has its place from the beginning: to move it there would dress its widgets twice.
     m_tabs = new QTabWidget(this);
     m_tabs->setObjectName("tabWidget");
     m_tabs->setGeometry(0, 0, 1010, 640);
 
-    m_zeroFont = new ZeroFontPage(context, m_folder.own);
+    m_zeroFont = new ZeroFontPage(context, m_folder.own, m_tabs);
     connect(m_zeroFont, &ZeroFontPage::languageChosen, this,
             [this](const QString &language) { m_language.apply(language); });
     m_tabs->addTab(m_zeroFont, "Creat zero font library");
     QTabWidget *ico = addInnerTabs(m_tabs, "creatICOTab", "ICO Manager", "tabWidgetICO");
-    ico->addTab(new IcoGeneratorPage(context, m_icoManager), "ICO File Generator");
-    ico->addTab(new IcoPreviewPage(context, m_icoManager), "Preview Of ICO File");
+    ico->addTab(new IcoGeneratorPage(context, m_icoManager, ico), "ICO File Generator");
+    ico->addTab(new IcoPreviewPage(context, m_icoManager, ico), "Preview Of ICO File");
 
     QTabWidget *uart = addInnerTabs(m_tabs, "tab", "Uart2 Communication", "tabWidgetSerial");
-    auto *assistant = new SerialAssistantPage(context, m_engine);
+    auto *assistant = new SerialAssistantPage(context, m_engine, uart);
     uart->addTab(assistant, "VORA Serial Assistant");
-    uart->addTab(new DevicePage(context, m_engine, m_downloads, *m_uartSet, *assistant),
+    uart->addTab(new DevicePage(context, m_engine, m_downloads, *m_uartSet, *assistant, uart),
                  "Uart2 Communication");
 
     QTabWidget *ed2 = addInnerTabs(m_tabs, "tab_2", "ED2 Communication", "tabWidgetEd2");
-    ed2->addTab(new FontDownloadPage(context, m_engine, m_downloads.fonts, m_defaultFolder),
+    ed2->addTab(new FontDownloadPage(context, m_engine, m_downloads.fonts, m_defaultFolder, ed2),
                 "Fonts And Bin File Download");
-    auto *pictures = new PictureDownloadPage(context, m_engine, m_downloads.pictures,
-                                             [this] { m_ed2Set->exec(); });
+    auto *pictures = new PictureDownloadPage(
+        context, m_engine, m_downloads.pictures, [this] { m_ed2Set->exec(); }, ed2);
     ed2->addTab(pictures, "Image Download");
 
-    m_tabs->addTab(new SystemConfigPage(context), "System configuration");
-    auto *conversion = new ImageConversionPage(context);
+    m_tabs->addTab(new SystemConfigPage(context, m_tabs), "System configuration");
+    auto *conversion = new ImageConversionPage(context, m_tabs);
     m_tabs->addTab(conversion, "Image conversion");
     m_screenSizes = {&pictures->screenSizes(), &conversion->screenSizes()};
     auto &comparison = m_engine.add(std::make_unique<CrcComparison>(m_engine.uart()));
-    m_tabs->addTab(new CrcPage(context, m_engine, comparison), "CRC_Check");
+    m_tabs->addTab(new CrcPage(context, m_engine, comparison, m_tabs), "CRC_Check");
 }

@@ -86,8 +86,8 @@ private:
     Engine m_engine;
     Downloads m_downloads{m_engine};
     IcoManager m_icoManager;
-    SerialSet *m_uartSet;
-    SerialSet *m_ed2Set;
+    SerialSet *m_uartSet = nullptr;
+    SerialSet *m_ed2Set = nullptr;
     QTabWidget *m_tabs = nullptr;
     ZeroFontPage *m_zeroFont = nullptr;
     QVector<QComboBox *> m_screenSizes; ///< which offer the same resolutions

@@ -1,5 +1,7 @@
 #include "common/ini_text.h"
 
+#include <QHash>
+
 namespace iniText {
 
 namespace {
@@ -37,13 +39,6 @@ Lines linesOf(const QByteArray &text)
     return lines;
 }
 
-/// Where a key stands, or where a new one of its group would.
-struct Place
-{
-    int line = -1; ///< of the key, -1 when there is none
-    int end = -1;  ///< behind the last line of its group, -1 when there is no such group
-};
-
 QByteArray groupOf(const QString &key)
 {
     return key.section('/', 0, 0).toLatin1();
@@ -54,28 +49,37 @@ QByteArray nameOf(const QString &key)
     return key.section('/', 1).toLatin1();
 }
 
-/// Of several lines with one key the last counts.
-Place find(const Lines &lines, const QString &key)
+/// Which line has which key, and where each group ends.
+struct Index
 {
-    const QByteArray group = groupOf(key);
-    const QByteArray name = nameOf(key);
-    Place place;
-    bool isInGroup = false;
-    for (int i = 0; i < lines.size(); ++i) {
-        QByteArray line = lines.at(i).trimmed();
-        if (i == 0 && line.startsWith("\xEF\xBB\xBF"))
-            line.remove(0, 3); // some editors mark UTF-8 so
-        if (line.startsWith('['))
-            isInGroup = line.mid(1, line.indexOf(']') - 1).trimmed() == group;
-        if (!isInGroup || line.isEmpty())
-            continue;
-        place.end = i + 1;
-        const int equals = line.indexOf('=');
-        if (equals >= 0 && line.left(equals).trimmed() == name)
-            place.line = i;
+    explicit Index(const Lines &lines)
+    {
+        QByteArray group;
+        for (int i = 0; i < lines.size(); ++i) {
+            QByteArray line = lines.at(i).trimmed();
+            if (i == 0 && line.startsWith("\xEF\xBB\xBF"))
+                line.remove(0, 3); // some editors mark UTF-8 so
+            if (line.startsWith('['))
+                group = line.mid(1, line.indexOf(']') - 1).trimmed();
+            if (line.isEmpty())
+                continue;
+            endOf[group] = i + 1;
+            // Of several lines with one key the last counts.
+            if (line.contains('='))
+                lineOf[group + '/' + line.left(line.indexOf('=')).trimmed()] = i;
+        }
     }
-    return place;
-}
+
+    void makeRoomAt(int line)
+    {
+        for (QHash<QByteArray, int> *places : {&lineOf, &endOf})
+            for (int &place : *places)
+                place += place >= line ? 1 : 0;
+    }
+
+    QHash<QByteArray, int> lineOf; ///< by "Group/key"
+    QHash<QByteArray, int> endOf;  ///< behind the last line of the group
+};
 
 /// `value` as it stands in a file; in quotes where blanks, commas and the like are its own.
 QByteArray written(QString value)
@@ -111,19 +115,27 @@ QByteArray lineOf(const Entry &entry)
 QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries)
 {
     Lines lines = text.isEmpty() ? Lines() : linesOf(text);
+    Index index(lines);
     for (const Entry &entry : entries) {
-        const Place place = find(lines, entry.key);
-        if (place.line >= 0) {
-            lines[place.line] = lineOf(entry);
-        } else if (place.end >= 0) {
-            lines.insert(place.end, lineOf(entry));
-        } else {
+        const QByteArray group = groupOf(entry.key);
+        const int line = index.lineOf.value(entry.key.toLatin1(), -1);
+        if (line >= 0) {
+            lines[line] = lineOf(entry);
+            continue;
+        }
+        if (!index.endOf.contains(group)) {
             while (!lines.isEmpty() && lines.last().trimmed().isEmpty())
                 lines.removeLast();
             if (!lines.isEmpty())
                 lines.append(QByteArray());
-            lines += {'[' + groupOf(entry.key) + ']', lineOf(entry), QByteArray()};
+            lines << '[' + group + ']' << QByteArray();
+            index.endOf[group] = lines.size() - 1;
         }
+        const int end = index.endOf.value(group);
+        lines.insert(end, lineOf(entry));
+        index.makeRoomAt(end);
+        index.lineOf[entry.key.toLatin1()] = end;
+        index.endOf[group] = end + 1;
     }
     return lines.join('\n');
 }
@@ -131,11 +143,10 @@ QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries)
 QString rawValue(const QByteArray &text, const QString &key)
 {
     const Lines lines = linesOf(text);
-    const Place place = find(lines, key);
-    if (place.line < 0)
+    const int line = Index(lines).lineOf.value(key.toLatin1(), -1);
+    if (line < 0)
         return {};
-    const QByteArray line = lines.at(place.line);
-    const QByteArray value = line.mid(line.indexOf('=') + 1);
+    const QByteArray value = lines.at(line).mid(lines.at(line).indexOf('=') + 1);
     return QString::fromUtf8(value.split(';').first().trimmed()); // a comment may follow
 }
 
