@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/paced_trigger.h"
+#include "serial/frame_decoder.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -22,13 +23,17 @@ public:
 
     explicit TrafficLog(QObject *parent = nullptr);
 
+    /// How the frames look that are added from now on.
+    void setFormat(const FrameFormat &format) { m_format = format; }
+
     enum class Direction { Sent, Received };
     void add(Direction direction, const QByteArray &bytes);
     /// Forgets all lines, also those that no view has seen yet.
     void clear();
 
-    /// The last maxLines lines, each with its time, and ">" when it was sent or "<" when it was
-    /// received: "2026-01-31 09:05:00.250 > 5aa5...".
+    /// The last maxLines lines, each with its time, ">" when it was sent or "<" when it was
+    /// received, and what is complete with it:
+    /// "2026-01-31 09:05:00.250 > 5aa50483000f01  read VP 0x000F, 1 word (version)".
     QString record() const;
 
 signals:
@@ -41,9 +46,11 @@ private:
         qint64 time; ///< in milliseconds since 1970
         Direction direction;
         QByteArray bytes;
+        FrameFormat format;
     };
 
     std::deque<Line> m_lines;
     QStringList m_pending;
+    FrameFormat m_format;
     PacedTrigger m_batch{batchInterval};
 };

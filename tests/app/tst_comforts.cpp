@@ -71,8 +71,9 @@ private slots:
         chooseInNextDialog({path});
         chooseInLogMenu("Save log…");
         const QString time = "\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3}";
-        QVERIFY2(QRegularExpression("^" + time + " > 5aa50483000f01\n" + time +
-                                    " < 5aa50683000f014521\n$")
+        QVERIFY2(QRegularExpression(
+                     "^" + time + " > 5aa50483000f01  read VP 0x000F, 1 word \\(version\\)\n" +
+                     time + " < 5aa50683000f014521  holds VP 0x000F, 1 word \\(version\\)\n$")
                      .match(content(path))
                      .hasMatch(),
                  content(path));
