@@ -1,4 +1,5 @@
 #include "config/cfg_image.h"
+#include "config/cfg_text.h"
 
 #include <QtGlobal>
 
@@ -16,10 +17,15 @@ QByteArray untouched(const QByteArray &image)
 
 /// Any bytes can be read as a configuration file, as if zeros followed them. What was read can be
 /// written into them: it clears no flag, leaves alone what is read only, and changes nothing when
-/// it is written again.
+/// it is written again. Its text form says all of it, and any bytes can be read as such a text.
 extern "C" int LLVMFuzzerTestOneInput(const quint8 *data, size_t size)
 {
     const QByteArray image(reinterpret_cast<const char *>(data), static_cast<int>(size));
+    const cfgText::Result text = cfgText::fromImage(image);
+    if (text.fault.isEmpty() && cfgText::toImage(text.bytes).bytes != image)
+        qFatal("the text lost something");
+    cfgText::toImage(image);
+
     const CfgSettings settings = cfgImage::read(image, CfgSettings());
     const QByteArray blank(cfgImage::bytes, '\0');
     const CfgSettings padded = cfgImage::read(image + blank, CfgSettings());

@@ -1,4 +1,7 @@
 #include "ico/ico_library.h"
+#include "ico/ico_text.h"
+
+#include <QMap>
 
 #include <QtEndian>
 
@@ -34,8 +37,30 @@ bool isSame(const IconRecord &a, const IconRecord &b)
 
 } // namespace
 
+namespace {
+
+void goToTextAndBack(const QByteArray &file, const QVector<IconRecord> &icons)
+{
+    qint64 bytes = 0;
+    for (const IconRecord &icon : icons)
+        bytes += icon.pixelBytes();
+    if (bytes > 10000)
+        return;
+    const icoText::Parts parts = icoText::fromLibrary(file);
+    QMap<QString, QByteArray> files{{icoText::restName, parts.rest}};
+    for (const icoText::Picture &picture : parts.pictures)
+        files[picture.name] = icoText::pngOf(picture.icon);
+    const auto load = [&files](const QString &name) { return files.value(name); };
+    if (icoText::toLibrary(parts.text, load).bytes != file)
+        qFatal("the text lost something");
+}
+
+} // namespace
+
 /// Any file of the length of an index can be read as a library. What was read can be looked at and
 /// written, and reads back the same.
+///
+/// Its text form and pictures say all of a library that is not too large for a quick look.
 ///
 /// The index is long and mostly empty: the input lists the entries that it has, each a position of
 /// two bytes and eight bytes of the index, behind a byte that counts them. The rest are pixels.
@@ -61,6 +86,8 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *data, size_t size)
     if (icoLibrary::read(file, records) != isWhole ||
         !std::equal(records.begin(), records.end(), expected.begin(), expected.end(), isSame))
         qFatal("the icons are not those of the index");
+    if (isWhole)
+        goToTextAndBack(file, records);
     for (const IconRecord &record : qAsConst(records))
         if (record.pixelBytes() < 10000)
             icon::toImage(record, true);

@@ -39,6 +39,12 @@ Lines linesOf(const QByteArray &text)
     return lines;
 }
 
+/// `text` without the mark that some editors put before UTF-8.
+QByteArray withoutMark(const QByteArray &text)
+{
+    return text.startsWith("\xEF\xBB\xBF") ? text.mid(3) : text;
+}
+
 QByteArray groupOf(const QString &key)
 {
     return key.section('/', 0, 0).toLatin1();
@@ -57,8 +63,8 @@ struct Index
         QByteArray group;
         for (int i = 0; i < lines.size(); ++i) {
             QByteArray line = lines.at(i).trimmed();
-            if (i == 0 && line.startsWith("\xEF\xBB\xBF"))
-                line.remove(0, 3); // some editors mark UTF-8 so
+            if (i == 0)
+                line = withoutMark(line);
             if (line.startsWith('['))
                 group = line.mid(1, line.indexOf(']') - 1).trimmed();
             if (line.isEmpty())
@@ -148,6 +154,25 @@ QString rawValue(const QByteArray &text, const QString &key)
         return {};
     const QByteArray value = lines.at(line).mid(lines.at(line).indexOf('=') + 1);
     return QString::fromUtf8(value.split(';').first().trimmed()); // a comment may follow
+}
+
+Parsed parse(const QByteArray &text)
+{
+    Parsed parsed;
+    QString group;
+    const Lines lines = withoutMark(text).split('\n');
+    for (int i = 0; i < lines.size(); ++i) {
+        const QByteArray line = lines.at(i).split(';').first().trimmed();
+        const int equals = line.indexOf('=');
+        if (line.startsWith('[') && line.endsWith(']'))
+            group = QString::fromUtf8(line.mid(1, line.size() - 2).trimmed());
+        else if (equals > 0)
+            parsed.assignments.append({i + 1, group, QString::fromUtf8(line.left(equals).trimmed()),
+                                       QString::fromUtf8(line.mid(equals + 1).trimmed())});
+        else if (!line.isEmpty() && parsed.badLine == 0)
+            parsed.badLine = i + 1;
+    }
+    return parsed;
 }
 
 } // namespace iniText

@@ -25,4 +25,23 @@ QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries);
 /// Empty when there is no such key.
 QString rawValue(const QByteArray &text, const QString &key);
 
+/// A line "key=value" of a text.
+struct Assignment
+{
+    int line;      ///< counted from 1
+    QString group; ///< empty before the first one
+    QString key;
+    QString value;
+};
+
+struct Parsed
+{
+    QVector<Assignment> assignments;
+    int badLine =
+        0; ///< the first line that is neither a group, a key nor a comment; 0 when all are
+};
+
+/// All keys of `text`, as they stand. A comment is a line, or its end, that begins with ";".
+Parsed parse(const QByteArray &text);
+
 } // namespace iniText

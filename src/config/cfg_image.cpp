@@ -1,109 +1,15 @@
 #include "config/cfg_image.h"
 
 #include "common/big_endian.h"
+#include "config/cfg_fields.h"
 #include "config/encryption_texts.h"
 
-#include <initializer_list>
-
 using bigEndian::byteAt;
+using namespace cfgFields;
 
 namespace cfgImage {
 
 namespace {
-
-constexpr char magic[] = "K7D";
-constexpr int layoutOffset = 3;
-constexpr int layouts = 3;
-constexpr int calibrationOffset = 7;
-constexpr int directionOffset = 8;
-constexpr int divisorOffset = 9;
-constexpr int baudClock = 7833600; // of the module's UART2, in Hz
-constexpr int pclkOffset = 18;
-constexpr int timingOffset = 19;
-constexpr int timingBytes = 13;
-constexpr int encryptionOffset = 64;
-constexpr int nameLengthOffset = 66;
-constexpr int nameOffset = 67;
-constexpr int keyOffset = 80;
-
-constexpr int enableMark = 0x5A;
-constexpr int secondMark = 0xA5;
-constexpr int unlockMark = 0xAA;
-
-/// A choice between two that is one bit of the file.
-struct Flag
-{
-    int CfgSettings::*value;
-    int offset;
-    int bit;
-};
-
-constexpr Flag flags[] = {
-    {&CfgSettings::autoUp, 8, 7},     {&CfgSettings::pageNumber, 8, 6},
-    {&CfgSettings::file22, 8, 5},     {&CfgSettings::sdStatus, 8, 4},
-    {&CfgSettings::touchVoice, 8, 3}, {&CfgSettings::touchLight, 8, 2},
-    {&CfgSettings::buzzer, 44, 7},    {&CfgSettings::uartCrc, 44, 6},
-    {&CfgSettings::watchDog, 44, 5},  {&CfgSettings::synchronousUpdate, 44, 4},
-};
-
-/// Flags of the touch screen, read only.
-constexpr Flag touchFlags[] = {
-    {&CfgSettings::touchType, 40, 7},
-    {&CfgSettings::touchX, 40, 2},
-    {&CfgSettings::touchY, 40, 1},
-    {&CfgSettings::touchExchange, 40, 0},
-};
-
-struct Number
-{
-    int CfgSettings::*value;
-    int offset;
-    int bytes;
-};
-
-/// Settings that count only behind their marks.
-struct Option
-{
-    bool CfgSettings::*isOn;
-    int offset;
-    int marks; ///< 1: enableMark; 2: secondMark behind it
-    bool isReadOnly;
-    std::initializer_list<Number> numbers;
-};
-
-const Option options[] = {
-    {&CfgSettings::formatsFlash, 4, 2, false, {}},
-    {&CfgSettings::setsCalibration, 6, 1, true, {}},
-    {&CfgSettings::setsLightStandby,
-     11,
-     1,
-     false,
-     {{&CfgSettings::normalLight, 12, 1},
-      {&CfgSettings::standbyLight, 13, 1},
-      {&CfgSettings::lightTime, 14, 2}}},
-    {&CfgSettings::setsDisplay, 16, 2, true, {}},
-    {&CfgSettings::setsBootPage, 32, 1, false, {{&CfgSettings::bootPage, 33, 2}}},
-    {&CfgSettings::setsBootMusic,
-     35,
-     1,
-     false,
-     {{&CfgSettings::musicPosition, 36, 1},
-      {&CfgSettings::musicCount, 37, 1},
-      {&CfgSettings::musicVolume, 38, 1}}},
-    {&CfgSettings::setsTouchScreen, 39, 1, true, {{&CfgSettings::touchSensitivity, 41, 1}}},
-    {&CfgSettings::setsTcon, 42, 1, false, {{&CfgSettings::tcon, 43, 1}}},
-    {&CfgSettings::checksSdFiles,
-     48,
-     2,
-     false,
-     {{&CfgSettings::libFiles, 50, 1},
-      {&CfgSettings::binFiles, 51, 1},
-      {&CfgSettings::dzkFiles, 52, 1},
-      {&CfgSettings::hzkFiles, 53, 1},
-      {&CfgSettings::icoFiles, 54, 1},
-      {&CfgSettings::wavFiles, 55, 1},
-      {&CfgSettings::bmpFiles, 56, 1}}},
-};
 
 void put(QByteArray &image, int offset, const QByteArray &content)
 {

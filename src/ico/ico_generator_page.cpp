@@ -99,6 +99,7 @@ void IcoGeneratorPage::write(const QString &path,
         m_context.notices.warn(texts::libraryTooLarge);
         return;
     }
+    // A file that cannot be written is told like one that was. That is wanted.
     const QStringList misplaced = m_manager.misplaced();
     if (!misplaced.isEmpty()) {
         const QString more = misplaced.size() > maxNames ? "\n..." : "";

@@ -10,8 +10,6 @@ namespace icoLibrary {
 
 namespace {
 
-constexpr qint64 maxAddress = 0x0FFFFFFF; // 28 bits
-
 /// The first record of each position that the index has.
 QVector<const IconRecord *> firstOfEach(const QVector<IconRecord> &records)
 {
@@ -27,7 +25,8 @@ QVector<const IconRecord *> firstOfEach(const QVector<IconRecord> &records)
     return kept;
 }
 
-/// The entry of `record` with `address` in place of the one it may have had in another library.
+} // namespace
+
 QByteArray entryAt(const IconRecord &record, quint32 address)
 {
     QByteArray entry;
@@ -40,7 +39,10 @@ QByteArray entryAt(const IconRecord &record, quint32 address)
     return entry + record.entry.mid(6, 2).leftJustified(2, '\0');
 }
 
-} // namespace
+int addressIn(const QByteArray &entry)
+{
+    return (byteAt(entry, 2) & 0x0F) << 24 | byteAt(entry, 3) << 16 | bigEndian::wordAt(entry, 4);
+}
 
 std::optional<QByteArray> write(const QVector<IconRecord> &records)
 {
@@ -76,8 +78,7 @@ bool read(const QByteArray &file, QVector<IconRecord> &records)
         record.width = byteAt(file, at) | (sizeBits & 0xC0) << 2;
         record.height = byteAt(file, at + 1) | (sizeBits & 0x30) << 4;
         record.entry = file.mid(at, entryBytes);
-        const qint64 address =
-            (sizeBits & 0x0F) << 24 | byteAt(file, at + 3) << 16 | bigEndian::wordAt(file, at + 4);
+        const qint64 address = addressIn(record.entry);
         if (2 * address + record.pixelBytes() > file.size())
             return false;
         record.buffer = file;

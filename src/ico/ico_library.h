@@ -13,6 +13,13 @@ namespace icoLibrary {
 inline constexpr int entryBytes = 8;
 inline constexpr int indexBytes = (IconRecord::maxPosition + 1) * entryBytes;
 
+inline constexpr qint64 maxAddress = 0x0FFFFFFF; ///< 28 bits
+
+/// The index entry of `record` with its pixels at `address`, in words.
+QByteArray entryAt(const IconRecord &record, quint32 address);
+/// The address in `entry`, in words.
+int addressIn(const QByteArray &entry);
+
 /// The library of `records`, pixels in their order. The first record of a position counts;
 /// positions that the index does not have are left out. Nothing when an icon would start beyond the
 /// 28 bits of an address.

@@ -9,8 +9,6 @@
 #include <QDir>
 #include <QtConcurrent>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int noPosition = -1;
@@ -30,8 +28,8 @@ IcoManager::Outcome writeLibrary(const QString &path, const QVector<IconRecord> 
     const auto library = icoLibrary::write(icons);
     if (!library)
         return IcoManager::Outcome::TooLarge;
-    replaceFile(path, *library);
-    return IcoManager::Outcome::Written;
+    return replaceFile(path, *library) ? IcoManager::Outcome::Written
+                                       : IcoManager::Outcome::Unwritable;
 }
 
 /// The picture in the file at `path`; one without size when there is none.
@@ -62,10 +60,15 @@ std::optional<QStringList> IcoManager::picturesIn(const QString &folder)
 void IcoManager::load(const QStringList &paths)
 {
     // Decoding is nearly all of the time, and every picture is on its own: all cores take part.
-    m_pictures = QtConcurrent::blockingMapped<QVector<Picture>>(paths, &loaded);
-    m_pictures.erase(std::remove_if(m_pictures.begin(), m_pictures.end(),
-                                    [](const Picture &picture) { return picture.size.isEmpty(); }),
-                     m_pictures.end());
+    const auto all = QtConcurrent::blockingMapped<QVector<Picture>>(paths, &loaded);
+    m_pictures.clear();
+    m_skipped.clear();
+    for (int i = 0; i < all.size(); ++i) {
+        if (all.at(i).size.isEmpty())
+            m_skipped.append(paths.at(i));
+        else
+            m_pictures.append(all.at(i));
+    }
 }
 
 QStringList IcoManager::misplaced() const

@@ -22,9 +22,10 @@ public:
     };
 
     enum class Outcome {
-        Written, ///< or not, when the file cannot be written: that is not told
-        Invalid, ///< the library could not be read; it is as it was
-        TooLarge ///< the icons do not fit into one library; nothing was written
+        Written,
+        Invalid,   ///< the library could not be read; it is as it was
+        TooLarge,  ///< the icons do not fit into one library; nothing was written
+        Unwritable ///< the file is as it was
     };
 
     /// The pictures of `folder` whose suffix makes them icons, by name. Nothing when the folder
@@ -32,9 +33,10 @@ public:
     static std::optional<QStringList> picturesIn(const QString &folder);
 
     /// Loads `paths` in place of what was loaded before. What cannot be opened or decoded is
-    /// skipped.
+    /// skipped, and its path is in skipped().
     void load(const QStringList &paths);
     const QVector<Picture> &pictures() const { return m_pictures; }
+    const QStringList &skipped() const { return m_skipped; }
     /// Names of the loaded pictures whose number no library has. They are left out of all of them.
     QStringList misplaced() const;
 
@@ -55,5 +57,6 @@ private:
     QVector<IconRecord> loadedIcons() const;
 
     QVector<Picture> m_pictures;
+    QStringList m_skipped;
     QVector<IconRecord> m_icons;
 };

@@ -25,13 +25,18 @@ IconRecord fromImage(int position, const QImage &image)
     record.buffer = picture::toRgb565(
         size == image.size() ? image
                              : image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation));
-    bigEndian::appendByte(record.entry, static_cast<quint8>(record.width));
-    bigEndian::appendByte(record.entry, static_cast<quint8>(record.height));
-    bigEndian::appendByte(record.entry, static_cast<quint8>(((record.height >> 8) << 4) +
-                                                            ((record.width >> 8) << 6)));
-    record.entry.append(3, '\0');
-    record.entry.append(record.buffer.left(2));
+    record.entry = entryOf(record.width, record.height, record.buffer);
     return record;
+}
+
+QByteArray entryOf(int width, int height, const QByteArray &pixels)
+{
+    QByteArray entry;
+    bigEndian::appendByte(entry, static_cast<quint8>(width));
+    bigEndian::appendByte(entry, static_cast<quint8>(height));
+    bigEndian::appendByte(entry, static_cast<quint8>(((height >> 8) << 4) + ((width >> 8) << 6)));
+    entry.append(3, '\0');
+    return entry + pixels.left(2).leftJustified(2, '\0');
 }
 
 QImage toImage(const IconRecord &record, bool hidesKeyColor)

@@ -32,6 +32,10 @@ namespace icon {
 /// The colour of the top left pixel becomes the key colour.
 IconRecord fromImage(int position, const QImage &image);
 
+/// The 8 bytes of the index for an icon of that size, without an address. The key colour is the
+/// first two bytes of `pixels`, 0 where there are none.
+QByteArray entryOf(int width, int height, const QByteArray &pixels);
+
 /// What `record` looks like, 24 bits a pixel. With `hidesKeyColor` all pixels of the colour of the
 /// top left one are white. A null image for an icon without pixels.
 QImage toImage(const IconRecord &record, bool hidesKeyColor);

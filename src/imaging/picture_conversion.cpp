@@ -65,16 +65,23 @@ QVector<Batch> batches(const QVector<ListedPicture> &pictures, const QString &fo
     return byOutput;
 }
 
-void run(const Batch &batch, const QSize &size)
+Outcome convert(const Job &job, const QSize &size)
 {
     if (size.isEmpty() || qint64{size.width()} * size.height() > picture::maxPixels)
-        return;
-    for (const Job &job : batch) {
-        const QImage image = picture::decode(readFile(job.source).value_or(QByteArray()));
-        const QImage scaled = image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-        if (!scaled.isNull())
-            replaceFile(job.output, bmpOf(scaled));
-    }
+        return Outcome::NoPicture;
+    const QImage image = picture::decode(readFile(job.source).value_or(QByteArray()));
+    if (image.isNull())
+        return Outcome::NoPicture;
+    const QImage scaled = image.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    if (scaled.isNull())
+        return Outcome::NoPicture;
+    return replaceFile(job.output, bmpOf(scaled)) ? Outcome::Written : Outcome::Unwritable;
+}
+
+void run(const Batch &batch, const QSize &size)
+{
+    for (const Job &job : batch)
+        convert(job, size);
 }
 
 } // namespace pictureConversion

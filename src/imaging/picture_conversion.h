@@ -25,8 +25,13 @@ QString outputPath(const ListedPicture &picture, const QString &folder, bool isR
 QVector<Batch> batches(const QVector<ListedPicture> &pictures, const QString &folder,
                        bool isRenamed);
 
-/// Stretches each picture to `size` and saves it. One that cannot be read, decoded or saved is
-/// skipped.
+enum class Outcome { Written, NoPicture, Unwritable };
+
+/// Stretches the picture to `size` and saves it. A size that is empty or has more than
+/// `picture::maxPixels` is that of no picture.
+Outcome convert(const Job &job, const QSize &size);
+
+/// Converts each picture. One that cannot be read, decoded or saved is skipped.
 void run(const Batch &batch, const QSize &size);
 
 } // namespace pictureConversion
