@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake ninja-build clang-format
-  qtbase5-dev libqt5serialport5-dev
+  qtbase5-dev libqt5serialport5-dev libcli11-dev
   dpkg-dev file
   fonts-dejavu-core fonts-wqy-zenhei qttranslations5-l10n
 )

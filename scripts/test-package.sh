@@ -74,8 +74,10 @@ files() {
 {
   cat <<'END'
 bin/VORAII_Tool
+bin/k7
 bin/k7-simulator
 share/applications/voraii-tool.desktop
+share/bash-completion/completions/k7
 share/doc/voraii-tool/ARCHITECTURE.md
 share/doc/voraii-tool/CHANGELOG.md
 share/doc/voraii-tool/LICENSE
@@ -85,7 +87,10 @@ share/icons/hicolor/128x128/apps/voraii-tool.png
 share/icons/hicolor/scalable/apps/voraii-tool.svg
 share/man/man1/VORAII_Tool.1
 share/man/man1/k7-simulator.1
+share/man/man1/k7.1
+share/fish/vendor_completions.d/k7.fish
 share/metainfo/local.voraii.tool.metainfo.xml
+share/zsh/vendor-completions/_k7
 END
   find docs -type f | sed 's,^,share/doc/voraii-tool/,'
 } | LC_ALL=C sort >"$work/expected"
@@ -137,7 +142,7 @@ run() {
 }
 tool=$root/usr/bin/VORAII_Tool
 
-for program in VORAII_Tool k7-simulator; do
+for program in VORAII_Tool k7 k7-simulator; do
   for folder in "$root/usr/bin" "$work/archive/bin"; do
     said=$(run "$folder/$program" --version)
     [ "$said" = "$program $version" ] || fail "$program --version says \"$said\""
@@ -152,6 +157,9 @@ done
 run "$tool" --simulate --screenshots "$home/pictures"
 [ -n "$(ls "$home/pictures")" ] || fail "--screenshots made no pictures"
 [ -s "$home/data/VORAII_Tool/SystemConfig.ini" ] || fail "the settings are not in the user's folder"
+
+said=$(run "$root/usr/bin/k7" --simulate page)
+[ "$said" = 0 ] || fail "k7 says that the simulated module shows page \"$said\""
 
 help=$(run "$tool" --help)
 if grep -q -- --tour <<<"$help"; then

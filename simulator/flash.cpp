@@ -29,7 +29,7 @@ QByteArray Flash::read(int byteOffset, int count) const
 
 void Flash::write(int byteOffset, const QByteArray &data)
 {
-    const int count = bytesInside(byteOffset, data.size());
+    const int count = m_isProtected ? 0 : bytesInside(byteOffset, data.size());
     for (int done = 0; done < count;) {
         const int offset = (byteOffset + done) % blockBytes;
         const int run = qMin(blockBytes - offset, count - done);

@@ -21,11 +21,15 @@ public:
     /// is everything when `byteOffset` lies outside it.
     void write(int byteOffset, const QByteArray &data);
 
+    /// A protected flash stays as it is, whatever is written.
+    void setProtected(bool isProtected) { m_isProtected = isProtected; }
+
     /// Numbers of the blocks that were written, ascending.
     QList<int> writtenBlocks() const { return m_blocks.keys(); }
 
 private:
     QMap<int, QByteArray> m_blocks;
+    bool m_isProtected = false;
 };
 
 } // namespace k7

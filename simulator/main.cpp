@@ -87,6 +87,7 @@ Options readOptions(const QCoreApplication &application)
         {"layout", "Know the downloads of <layout> (default K7UID1).", "layout", "K7UID1"},
         {"uart-rate", "Listen on UART2 at <rate> bit/s (default 115200).", "rate", "115200"},
         {"real-time", "Be as slow as the lines, and deaf while the flash is programmed."},
+        {"protect-flash", "Acknowledge what is sent to the flash, and keep none of it."},
         {"screen", "Show the screen of the module, of <size>.", "size"},
         {"delay", "Wait <ms> milliseconds before each reply.", "ms", "0"},
         {"silent", "Never reply."},
@@ -114,6 +115,7 @@ Options readOptions(const QCoreApplication &application)
     if (options.module.uartRate == 0)
         exitOnBadUsage("--uart-rate needs a rate above 0");
     options.behaviour.realTime = parser.isSet("real-time");
+    options.behaviour.flashProtected = parser.isSet("protect-flash");
     options.showsScreen = parser.isSet("screen");
     if (options.showsScreen)
         readScreen(parser.value("screen"), options.module.screen);

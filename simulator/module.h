@@ -67,6 +67,9 @@ public:
     /// Whether bytes that arrive while the flash is programmed are lost; at first they are not.
     void setProgrammingTakesTime(bool takesTime) { m_programmingTakesTime = takesTime; }
 
+    /// Whether the flash stays as it is, whatever is sent.
+    void setFlashProtected(bool isProtected) { m_state.flash.setProtected(isProtected); }
+
     /// `trace` gets one line, without a line break, for each frame that was understood, and for
     /// what was lost.
     void setTrace(Trace trace) { m_trace = std::move(trace); }

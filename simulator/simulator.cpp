@@ -85,6 +85,7 @@ void Simulator::setBehaviour(const Behaviour &behaviour)
 {
     m_behaviour = behaviour;
     m_module.setProgrammingTakesTime(behaviour.realTime);
+    m_module.setFlashProtected(behaviour.flashProtected);
 }
 
 void Simulator::configure(const ModuleSettings &settings)

@@ -29,6 +29,8 @@ struct Behaviour
     /// The module is as slow as its lines and its flash: bytes take line time, and what arrives
     /// while the flash is programmed is lost.
     bool realTime = false;
+    /// What is written to the flash is acknowledged, and the flash stays as it is.
+    bool flashProtected = false;
 };
 
 /// How the tool reaches the module.

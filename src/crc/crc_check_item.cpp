@@ -29,7 +29,8 @@ CrcCheckItem item(quint8 kind, int unit, const QString &name, const char *data, 
     return item;
 }
 
-/// The 256 KiB blocks of a file that begins in block `number`, and the whole pages behind them.
+} // namespace
+
 QVector<CrcCheckItem> flashUnits(int number, const QString &name, const QByteArray &content)
 {
     QVector<CrcCheckItem> items;
@@ -43,11 +44,25 @@ QVector<CrcCheckItem> flashUnits(int number, const QString &name, const QByteArr
     return items;
 }
 
+CrcCheckItem pictureUnit(int number, const QString &name, const QByteArray &pixels)
+{
+    return item(pictureKind, number, name, pixels.constData(), pixels.size());
+}
+
+CrcCheckItem systemUnit(const QString &name, const QByteArray &content)
+{
+    const int bytes = content.size() - bootBytes;
+    return item(systemKind, bytes, name, content.constData() + qMin(bootBytes, content.size()),
+                qMax(0, bytes));
+}
+
+namespace {
+
 Units pictureUnits(int number, const QString &name, const QByteArray &content)
 {
     const QImage image = picture::decode(content);
     const QByteArray pixels = picture::toRgb565(image);
-    return {{item(pictureKind, number, name, pixels.constData(), pixels.size())},
+    return {{pictureUnit(number, name, pixels)},
             image.isNull() ? &picture::refusal(content) : nullptr};
 }
 
@@ -80,9 +95,7 @@ Units unitsOf(const QString &name, const QByteArray &content)
         return {flashUnits(number, name, content)};
     if (!name.startsWith("ZOLTOS"))
         return {};
-    const int bytes = content.size() - bootBytes;
-    return {{item(systemKind, bytes, name, content.constData() + qMin(bootBytes, content.size()),
-                  qMax(0, bytes))}};
+    return {{systemUnit(name, content)}};
 }
 
 } // namespace crcCheck

@@ -29,6 +29,16 @@ quint16 swapped(quint16 crc);
 /// `number` as the table shows it: upper-case hexadecimal without leading zeros.
 QString crcText(quint16 number);
 
+/// The 256 KiB flash blocks of a file that begins in block `number`, and the whole pages of 4 KiB
+/// behind the last of them. What follows these is not covered; that is wanted.
+QVector<CrcCheckItem> flashUnits(int number, const QString &name, const QByteArray &content);
+
+/// Picture `number` of the module, which holds `pixels` as RGB565.
+CrcCheckItem pictureUnit(int number, const QString &name, const QByteArray &pixels);
+
+/// The operating system in the file `content`.
+CrcCheckItem systemUnit(const QString &name, const QByteArray &content);
+
 struct Units
 {
     QVector<CrcCheckItem> items;

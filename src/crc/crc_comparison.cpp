@@ -59,6 +59,9 @@ void CrcComparison::read()
         fail();
         return;
     }
+    // A late reply to an older read must not count for this unit.
+    if (m_line.policy.awaitsEach)
+        m_line.builder.setVp(crcAddress, m_items.at(m_index).request);
     m_line.link.write(m_line.builder.buildReadVpFrame(crcAddress, 2));
     enter(Stage::Compare);
 }

@@ -11,6 +11,8 @@ public:
     explicit CrcComparison(const Line &line);
 
     const QVector<CrcCheckItem> &items() const { return m_items; }
+    /// How many of them the last comparison has the module's answer of.
+    int answered() const { return m_index; }
     /// Takes `items` in place of the others, and ends a comparison of those.
     void setItems(const QVector<CrcCheckItem> &items);
 

@@ -2,7 +2,6 @@
 
 #include "common/big_endian.h"
 #include "engine/system_reset.h"
-#include "engine/transaction.h"
 
 namespace {
 
@@ -69,6 +68,7 @@ void Engine::useUart(const SerialSettings &settings)
     m_uartReplies.setHeader(settings.header1, settings.header2);
     m_ed2Replies.setHeader(settings.header1, settings.header2);
     m_builder.setHeader(settings.header1, settings.header2, settings.crcEnabled);
+    m_trafficLog.setFormat({settings.header1, settings.header2, settings.crcEnabled});
 }
 
 void Engine::useEd2(const SerialSettings &settings)
@@ -159,9 +159,9 @@ bool Engine::sendCurve(const std::array<QVector<quint16>, FrameBuilder::channels
     return true;
 }
 
-void Engine::sendFreeForm(std::function<QByteArray()> bytes)
+void Engine::sendFreeForm(std::function<QByteArray()> bytes, int ticks)
 {
-    m_freeForm.start(std::move(bytes));
+    m_freeForm.start(std::move(bytes), ticks);
 }
 
 void Engine::resetSystem()

@@ -4,6 +4,7 @@
 #include "engine/line.h"
 #include "engine/step_dispatch.h"
 #include "engine/traffic_log.h"
+#include "engine/transaction.h"
 #include "serial/reply_receiver.h"
 
 #include <QVector>
@@ -12,7 +13,6 @@
 #include <functional>
 
 class SystemReset;
-class Transaction;
 
 /// Everything that talks to a module: the frames, the session with its heartbeat and steps, and
 /// what is received over both links. It knows no window, no settings file and no language.
@@ -64,8 +64,8 @@ public:
     /// `samples` of the channels whose bit is set in `mask`; as many go out as each of them has.
     bool sendCurve(const std::array<QVector<quint16>, FrameBuilder::channels> &samples,
                    quint8 mask);
-    /// Sends `bytes` as they stand: no header, length or CRC is added.
-    void sendFreeForm(std::function<QByteArray()> bytes);
+    /// Sends `bytes` as they stand: no header, length or CRC is added. Listens for `ticks`.
+    void sendFreeForm(std::function<QByteArray()> bytes, int ticks = Transaction::endTick);
     void resetSystem();
 
     /// Ends what runs, at once and without a word. The UART2 port is closed, not that of ED2: the

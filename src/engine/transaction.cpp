@@ -2,8 +2,9 @@
 
 #include "engine/traffic_log.h"
 
-void Transaction::start(std::function<QByteArray()> frame)
+void Transaction::start(std::function<QByteArray()> frame, int ticks)
 {
+    m_endTick = ticks;
     m_frame = std::move(frame);
     session().start(commandType());
 }
@@ -16,7 +17,7 @@ void Transaction::step()
         const QByteArray frame = m_frame();
         writeAwaited(frame);
         m_line.log.add(TrafficLog::Direction::Sent, frame);
-    } else if (session().tick == endTick) {
+    } else if (session().tick == m_endTick) {
         if (m_answer == Answer::Acknowledgement && !session().replyReceived)
             fail();
         else

@@ -21,8 +21,9 @@ public:
     {
     }
 
-    /// Starts the exchange; `frame` builds the bytes to send, at the very tick that sends them.
-    void start(std::function<QByteArray()> frame);
+    /// Starts the exchange; `frame` builds the bytes to send, at the very tick that sends them. It
+    /// ends at tick `ticks`, above `sendTick`.
+    void start(std::function<QByteArray()> frame, int ticks = endTick);
     void step() override;
 
 protected:
@@ -31,4 +32,5 @@ protected:
 private:
     const Answer m_answer;
     std::function<QByteArray()> m_frame;
+    int m_endTick = endTick;
 };

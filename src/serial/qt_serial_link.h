@@ -22,6 +22,7 @@ public:
     OpenFailure openFailure() const override { return m_openFailure; }
     void close() override;
     void write(const QByteArray &bytes) override;
+    bool isSending() const override { return m_port.bytesToWrite() > 0; }
     QByteArray readAll() override { return m_port.readAll(); }
     void poll() override;
 

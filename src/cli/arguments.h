@@ -1,0 +1,48 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+/// What the grammar's texts are as ours.
+namespace arguments {
+
+/// Whole numbers from `least` to `most`, decimal, or hexadecimal behind 0x.
+inline CLI::Validator number(int least, int most)
+{
+    const std::string range =
+        "number from " + std::to_string(least) + " to " + std::to_string(most);
+    CLI::Validator validator(
+        [least, most, range](std::string &text) -> std::string {
+            bool isNumber = false;
+            const QString digits = QString::fromStdString(text);
+            const int value = digits.startsWith("0x", Qt::CaseInsensitive)
+                                  ? digits.mid(2).toInt(&isNumber, 16)
+                                  : digits.toInt(&isNumber, 10);
+            if (!isNumber || value < least || value > most)
+                return '"' + text + "\" is no " + range;
+            text = std::to_string(value); // without the zeros that would make it octal
+            return {};
+        },
+        "");
+    return validator;
+}
+
+inline QString text(const std::string &argument)
+{
+    return QString::fromLocal8Bit(argument.c_str());
+}
+
+inline QStringList texts(const std::vector<std::string> &arguments)
+{
+    QStringList list;
+    for (const std::string &argument : arguments)
+        list.append(text(argument));
+    return list;
+}
+
+} // namespace arguments

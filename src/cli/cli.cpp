@@ -1,0 +1,164 @@
+#include "cli/cli.h"
+
+#include "cli/failure.h"
+#include "cli/ini_file.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QDir>
+#include <QStandardPaths>
+
+namespace {
+
+constexpr char deviceGroup[] = "Device";
+constexpr char outputGroup[] = "Output";
+
+QString devicesFile()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           "/k7/devices.ini";
+}
+
+/// What devices.ini says of the device `name`; nothing for no name.
+DeviceValues userValues(const QString &name)
+{
+    if (name.isEmpty())
+        return {};
+    const IniSections sections = readIniFile(devicesFile());
+    if (!sections.contains(name))
+        throw Failure{ExitCode::usage, QString("there is no device \"%1\"").arg(name),
+                      QString("%1 has %2.")
+                          .arg(devicesFile(),
+                               sections.isEmpty() ? QString("none") : sections.keys().join(", "))};
+    return sections.value(name);
+}
+
+} // namespace
+
+Cli::Cli() = default;
+
+Cli::~Cli() = default;
+
+void Cli::addOptions(CLI::App &app)
+{
+    Options &options = m_options;
+    app.add_option("--device", options.device, "A device of devices.ini, or several: a,b")
+        ->envname("K7_DEVICE")
+        ->type_name("NAME")
+        ->group(deviceGroup);
+    app.add_option("--uart2", options.uart2,
+                   "The port of the UART2 link; the only one if not given")
+        ->envname("K7_UART2")
+        ->type_name("PORT[@RATE]")
+        ->group(deviceGroup);
+    app.add_option("--ed2", options.ed2, "The port of the fast ED2 link")
+        ->envname("K7_ED2")
+        ->type_name("PORT[@RATE]")
+        ->group(deviceGroup);
+    app.add_option("--header", options.header, "The first two bytes of frames (default 5AA5)")
+        ->type_name("HEX")
+        ->group(deviceGroup);
+    app.add_flag("--crc", options.crc, "Frames carry a CRC")->group(deviceGroup);
+    app.add_option("--model", options.model, "K7UID1 (default), K7UID2 or K7UID3")
+        ->type_name("MODEL")
+        ->group(deviceGroup);
+    app.add_flag("--simulate", options.simulate, "Use a simulated module in this program")
+        ->group(deviceGroup);
+    app.add_option("--wait", options.wait, "Wait so long for a port that is absent or in use")
+        ->type_name("SECONDS")
+        ->check(CLI::NonNegativeNumber)
+        ->group(deviceGroup);
+    app.add_flag("--json", options.json, "One JSON object a line, all on stdout")
+        ->group(outputGroup);
+    app.add_option("--progress", options.progress, "auto (default), bar, plain or none")
+        ->type_name("KIND")
+        ->check(CLI::IsMember({"auto", "bar", "plain", "none"}))
+        ->group(outputGroup);
+    auto *quiet = app.add_flag("-q,--quiet", options.isQuiet, "Results and errors only");
+    quiet->group(outputGroup);
+    app.add_flag("-v,--verbose", options.verbosity, "Say more")
+        ->excludes(quiet)
+        ->group(outputGroup);
+    app.add_option("--log", options.log, "Append all that goes over the links to FILE")
+        ->type_name("FILE")
+        ->group(outputGroup);
+}
+
+void Cli::applyOptions()
+{
+    Report::Settings settings;
+    settings.format = m_options.json ? Report::Format::Json : Report::Format::Text;
+    settings.isQuiet = m_options.isQuiet;
+    settings.verbosity = m_options.verbosity;
+    const QStringList kinds{"auto", "bar", "plain", "none"};
+    settings.progress =
+        static_cast<Report::Progress>(kinds.indexOf(QString::fromStdString(m_options.progress)));
+    m_report.configure(settings);
+}
+
+QStringList Cli::deviceNames() const
+{
+    return QString::fromStdString(m_options.device).split(',', Qt::SkipEmptyParts);
+}
+
+void Cli::useProject(const QString &folder)
+{
+    if (m_project != folder)
+        m_device.reset();
+    m_project = folder;
+}
+
+DeviceValues Cli::givenValues() const
+{
+    const std::pair<const char *, const std::string &> texts[] = {
+        {"device", m_options.device}, {"uart2", m_options.uart2}, {"ed2", m_options.ed2},
+        {"header", m_options.header}, {"model", m_options.model},
+    };
+    DeviceValues values;
+    for (const auto &[name, text] : texts)
+        if (!text.empty())
+            values.insert(name, QString::fromLocal8Bit(text.c_str()));
+    if (m_options.crc)
+        values.insert("crc", "true");
+    return values;
+}
+
+const Device &Cli::device()
+{
+    if (!m_device) {
+        const DeviceValues project = readIniFile(m_project + "/k7.ini").value("project");
+        const DeviceValues ours = overlaid(project, givenValues());
+        m_device =
+            std::make_unique<Device>(deviceFrom(overlaid(userValues(ours.value("device")), ours)));
+    }
+    return *m_device;
+}
+
+std::optional<QSize> Cli::screen(const QString &given)
+{
+    return given.isEmpty() ? device().screen : screenSize(given);
+}
+
+Connection &Cli::connection(Access access)
+{
+    if (!m_connection)
+        m_connection = std::make_unique<Connection>(
+            device(),
+            Connection::Setup{m_options.simulate, m_options.wait,
+                              QString::fromLocal8Bit(m_options.log.c_str())},
+            m_report);
+    if (access == Access::Writes)
+        m_connection->expectDevice();
+    return *m_connection;
+}
+
+int Cli::runCommand()
+{
+    if (!m_command)
+        return m_report.fail(ExitCode::usage, "a command is missing", "See `k7 --help`.");
+    try {
+        return m_command();
+    } catch (const Failure &failure) {
+        return m_report.fail(failure.code, failure.cause, failure.remedy);
+    }
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "cli/connection.h"
+#include "cli/device.h"
+#include "cli/report.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+/// What commands share: the report, the options of all commands, and the connection to the module,
+/// which is made when first asked for.
+class Cli
+{
+public:
+    using Command = std::function<int()>;
+
+    Cli();
+    ~Cli();
+
+    Report &report() { return m_report; }
+
+    /// Adds the options of all commands to the grammar.
+    void addOptions(CLI::App &app);
+    /// Applies what was given of them; `devices` are the names of those to work with.
+    void applyOptions();
+    /// The devices that the user named, in their order; usually one or none.
+    QStringList deviceNames() const;
+
+    /// The folder whose k7.ini counts; the current one unless a command chooses another.
+    void useProject(const QString &folder);
+    const QString &project() const { return m_project; }
+    /// The device, as the command line, the environment, the project and the user's devices.ini
+    /// tell, the first of them first.
+    const Device &device();
+    /// The size of the screen: `given` if that is not empty, else what the device says.
+    std::optional<QSize> screen(const QString &given);
+
+    enum class Access { Reads, Writes };
+    /// The connection to the module. What writes finds the module that it expects, or throws a
+    /// Failure.
+    Connection &connection(Access access = Access::Reads);
+
+    /// What to run once the command line has been read; the result is the exit code. Called in the
+    /// callback of a subcommand.
+    void setCommand(Command command) { m_command = std::move(command); }
+    /// Runs it, and tells why it failed if it did.
+    int runCommand();
+
+    /// The command draws glyphs, which takes a QGuiApplication; without a display.
+    void setDrawsText() { m_drawsText = true; }
+    bool drawsText() const { return m_drawsText; }
+
+private:
+    struct Options
+    {
+        std::string device;
+        std::string uart2;
+        std::string ed2;
+        std::string header;
+        std::string model;
+        std::string log;
+        std::string progress = "auto";
+        double wait = 0;
+        int verbosity = 0;
+        bool crc = false;
+        bool simulate = false;
+        bool json = false;
+        bool isQuiet = false;
+    };
+
+    DeviceValues givenValues() const;
+
+    Report m_report;
+    Options m_options;
+    Command m_command;
+    QString m_project{"."};
+    std::unique_ptr<Device> m_device;
+    std::unique_ptr<Connection> m_connection;
+    bool m_drawsText = false;
+};

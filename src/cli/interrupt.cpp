@@ -1,0 +1,49 @@
+#include "cli/interrupt.h"
+
+#ifdef K7_HAS_TERMINALS
+#include "simulator/stop_signals.h"
+
+#include <poll.h>
+
+namespace {
+
+int signalled = -1;
+
+} // namespace
+
+void interrupt::watch()
+{
+    if (signalled < 0)
+        signalled = k7::catchStopSignals();
+}
+
+bool interrupt::isPending()
+{
+    // The byte stays in the pipe: once interrupted, always interrupted.
+    pollfd descriptor{signalled, POLLIN, 0};
+    return signalled >= 0 && poll(&descriptor, 1, 0) > 0;
+}
+
+bool interrupt::waitForInput(int descriptor)
+{
+    pollfd descriptors[] = {{signalled, POLLIN, 0}, {descriptor, POLLIN, 0}};
+    while (poll(descriptors, 2, -1) < 0) {
+    }
+    return !isPending();
+}
+
+#else
+
+void interrupt::watch() {}
+
+bool interrupt::isPending()
+{
+    return false;
+}
+
+bool interrupt::waitForInput(int)
+{
+    return true;
+}
+
+#endif

@@ -1,0 +1,12 @@
+#pragma once
+
+/// Ctrl-C, and the signal to terminate.
+namespace interrupt {
+
+/// From now on they are noticed instead of ending the program at once.
+void watch();
+bool isPending();
+/// Waits until `descriptor` can be read, or has ended. False when it is interrupted before.
+bool waitForInput(int descriptor);
+
+} // namespace interrupt

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "cli/failure.h"
+#include "serial/serial_link.h"
+
+#include <QSerialPortInfo>
+#include <QString>
+#include <QStringList>
+
+/// The ports of this computer, as the user names them.
+namespace ports {
+
+/// The port that `given` names: the name or path of one, or the serial number of its adapter. What
+/// the system does not list stays as it is. Throws a Failure where several adapters have that
+/// number.
+QString resolved(const QString &given);
+
+/// The only port of the system. Throws a Failure where there is none, or a choice.
+QString only();
+
+/// The programs that hold the device of `port`, such as "picocom (4711)", as far as the system
+/// tells.
+QStringList holders(const QString &port);
+
+/// Why `port`, of the link `link`, was not opened.
+Failure openFailure(const QString &link, const QString &port, OpenFailure reason);
+
+} // namespace ports

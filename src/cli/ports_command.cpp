@@ -1,0 +1,29 @@
+#include "cli/arguments.h"
+#include "cli/cli.h"
+#include "cli/commands.h"
+#include "cli/ports.h"
+
+#include <QJsonArray>
+
+void addPorts(CLI::App &app, Cli &cli)
+{
+    auto *command = app.add_subcommand("ports", "List the serial ports and who holds them");
+    command->callback([&cli] {
+        cli.setCommand([&cli] {
+            for (const QSerialPortInfo &port : QSerialPortInfo::availablePorts()) {
+                const QStringList holders = ports::holders(port.portName());
+                QStringList columns{port.portName()};
+                for (const QString &text : {port.description(), port.serialNumber()})
+                    columns.append(text.isEmpty() ? "-" : text);
+                columns.append(holders.isEmpty() ? "free" : "held by " + holders.join(", "));
+                cli.report().result({{"type", "port"},
+                                     {"name", port.portName()},
+                                     {"description", port.description()},
+                                     {"serialNumber", port.serialNumber()},
+                                     {"holders", QJsonArray::fromStringList(holders)}},
+                                    columns.join("  "));
+            }
+            return ExitCode::done;
+        });
+    });
+}

@@ -1,0 +1,245 @@
+#include "cli/update.h"
+
+#include "cli/transfer.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+using Kind = ProjectFile::Kind;
+
+QString uncoveredText(const ProjectFile &file)
+{
+    return QString("its %1%2 bytes, which no check covers")
+        .arg(file.units.isEmpty() ? "" : "last ")
+        .arg(file.uncovered);
+}
+
+QVector<int> differingBlocks(const ProjectFile &file)
+{
+    QVector<int> blocks;
+    for (int block = 0; block < file.units.size(); ++block)
+        if (!file.units.at(block).isIntact())
+            blocks.append(block);
+    return blocks;
+}
+
+/// What the module calls `blocks` of `file`.
+QString placeText(const ProjectFile &file, const QVector<int> &blocks)
+{
+    if (file.kind == Kind::Os)
+        return "operating system";
+    if (file.number < 0)
+        return "picture memory";
+    if (file.kind != Kind::Flash)
+        return QString("%1 %2")
+            .arg(file.kind == Kind::Icon ? "flash block" : "picture")
+            .arg(file.number);
+    QStringList numbers;
+    for (const int block : blocks)
+        numbers.append(QString::number(file.number + block));
+    return QString("flash block%1 %2").arg(blocks.size() == 1 ? "" : "s", numbers.join(", "));
+}
+
+} // namespace
+
+Update::Update(Cli &cli, const QVector<ProjectFile> &files, const Choice &choice)
+    : m_cli(cli), m_choice(choice)
+{
+    for (const ProjectFile &file : files)
+        m_jobs.append({file, {}, {}, false});
+}
+
+int Update::run()
+{
+    m_cli.connection(m_choice.dryRun ? Cli::Access::Reads : Cli::Access::Writes);
+    m_record = openRecord();
+    if (!m_choice.all)
+        compareAll();
+    for (Job &job : m_jobs)
+        plan(job);
+    sendAll();
+    if (!m_choice.dryRun && !m_choice.noVerify && !verify())
+        return ExitCode::stillDiffers;
+    return finish();
+}
+
+SentRecord Update::openRecord()
+{
+    Connection &module = m_cli.connection();
+    const bool isNeeded = std::any_of(m_jobs.begin(), m_jobs.end(),
+                                      [](const Job &job) { return isFlash(job.file.kind); });
+    // A simulated module forgets everything when the program ends.
+    return SentRecord(isNeeded && !module.isSimulated() ? module.deviceId() : QString());
+}
+
+void Update::compareAll()
+{
+    QVector<CrcCheckItem *> units;
+    for (Job &job : m_jobs)
+        for (CrcCheckItem &unit : job.file.units)
+            units.append(&unit);
+    transfer::compare(m_cli.connection(), units, "check");
+    // What was sent and is not there any more was overwritten by somebody else, who may have
+    // changed what no check covers, too.
+    const bool isForeign = std::any_of(m_jobs.begin(), m_jobs.end(), [this](const Job &job) {
+        return job.file.kind == Kind::Flash && !differingBlocks(job.file).isEmpty() &&
+               m_record.holds(job.file);
+    });
+    if (isForeign)
+        m_record.forgetAll();
+}
+
+void Update::plan(Job &job) const
+{
+    const ProjectFile &file = job.file;
+    if (m_choice.all) {
+        job.blocks.resize(file.blocks());
+        std::iota(job.blocks.begin(), job.blocks.end(), 0);
+        job.reason = "everything is sent";
+        return;
+    }
+    job.blocks = differingBlocks(file);
+    if (!job.blocks.isEmpty())
+        job.reason = placeText(file, job.blocks) + " differed";
+    if (file.uncovered == 0)
+        return;
+    job.trustsRecord = file.kind == Kind::Flash && m_record.holds(file);
+    if (job.trustsRecord)
+        return;
+    const int last = file.blocks() - 1;
+    if (!job.blocks.contains(last))
+        job.blocks.append(last);
+    job.reason += (job.reason.isEmpty() ? "for " : ", and for ") + uncoveredText(file);
+}
+
+void Update::sendAll()
+{
+    for (const Job &job : qAsConst(m_jobs)) {
+        if (!job.isSent()) {
+            tellUnchanged(job);
+        } else if (m_choice.dryRun) {
+            tell(job, "differs", job.reason);
+        } else {
+            // Before, because the exchange may be cut off.
+            if (isFlash(job.file.kind))
+                m_record.forget(job.file);
+            transfer::send(m_cli.connection(), job.file, job.blocks);
+            tell(job, "sent", job.reason);
+        }
+    }
+}
+
+bool Update::verify()
+{
+    QVector<Job> open = m_jobs;
+    if (!verifyBlocks(open, "verify")) {
+        for (const Job &job : qAsConst(open)) {
+            if (!job.isSent())
+                continue;
+            transfer::send(m_cli.connection(), job.file, job.blocks);
+            tell(job, "sent again", placeText(job.file, job.blocks) + " still differed");
+        }
+        verifyBlocks(open, "verify again");
+    }
+    QStringList faults;
+    for (int i = 0; i < m_jobs.size(); ++i) {
+        if (open.at(i).isSent())
+            faults.append(QString("%1 (%2)").arg(open.at(i).file.name,
+                                                 placeText(open.at(i).file, open.at(i).blocks)));
+        else if (m_jobs.at(i).isSent())
+            tellVerified(m_jobs.at(i));
+    }
+    if (!faults.isEmpty())
+        m_cli.report().fail(ExitCode::stillDiffers,
+                            "sent twice, and the module still holds something else: " +
+                                faults.join(", "),
+                            "Its memory may be worn or write-protected.");
+    return faults.isEmpty();
+}
+
+bool Update::verifyBlocks(QVector<Job> &jobs, const QString &what)
+{
+    QVector<CrcCheckItem *> units;
+    for (Job &job : jobs)
+        for (const int block : qAsConst(job.blocks))
+            if (block < job.file.units.size())
+                units.append(&job.file.units[block]);
+    transfer::compare(m_cli.connection(), units, what);
+    bool isEqual = true;
+    for (Job &job : jobs) {
+        const auto isDone = [&job](int block) {
+            return block >= job.file.units.size() || job.file.units.at(block).isIntact();
+        };
+        job.blocks.erase(std::remove_if(job.blocks.begin(), job.blocks.end(), isDone),
+                         job.blocks.end());
+        isEqual = isEqual && !job.isSent();
+    }
+    return isEqual;
+}
+
+void Update::tell(const Job &job, const QString &status, const QString &reason)
+{
+    QJsonArray blocks;
+    for (const int block : job.blocks)
+        blocks.append(job.file.number + block);
+    QJsonObject json{{"type", "file"},
+                     {"file", job.file.name},
+                     {"kind", kindName(job.file.kind)},
+                     {"number", job.file.number},
+                     {"status", status},
+                     {"reason", reason}};
+    if (job.file.kind == Kind::Flash)
+        json.insert("blocks", blocks);
+    m_cli.report().result(json, QString("%1 %2: %3").arg(status, -14).arg(job.file.name, reason));
+}
+
+void Update::tellUnchanged(const Job &job)
+{
+    if (!job.trustsRecord)
+        tell(job, "unchanged", "the module holds it");
+    else if (job.file.units.isEmpty())
+        tell(job, "not verifiable", "no check covers it; the file is as it was sent");
+    else
+        tell(job, "unchanged",
+             "the module holds it, but for " + uncoveredText(job.file) +
+                 "; these are as they were sent");
+}
+
+void Update::tellVerified(const Job &job)
+{
+    if (job.file.units.isEmpty())
+        tell(job, "not verifiable", "no check covers it");
+    else if (job.file.uncovered > 0)
+        tell(job, "verified", "but for " + uncoveredText(job.file));
+    else
+        tell(job, "verified", "the module holds it");
+}
+
+int Update::finish()
+{
+    int sent = 0;
+    for (const Job &job : qAsConst(m_jobs)) {
+        sent += job.isSent() ? 1 : 0;
+        // Nothing is remembered of what was not checked as far as it can be.
+        if (!m_choice.dryRun && !m_choice.noVerify && job.file.kind == Kind::Flash)
+            m_record.remember(job.file);
+    }
+    m_record.save();
+    const QString verdict =
+        m_choice.noVerify && sent > 0 ? "; not verified, because of --no-verify" : "";
+    m_cli.report().result({{"type", "summary"},
+                           {"sent", m_choice.dryRun ? 0 : sent},
+                           {"differing", sent},
+                           {"unchanged", m_jobs.size() - sent},
+                           {"verified", !m_choice.noVerify && !m_choice.dryRun}},
+                          QString("%1 %2, %3 unchanged%4")
+                              .arg(sent)
+                              .arg(m_choice.dryRun ? "would be sent" : "sent")
+                              .arg(m_jobs.size() - sent)
+                              .arg(verdict));
+    return m_choice.dryRun && sent > 0 ? ExitCode::differs : ExitCode::done;
+}

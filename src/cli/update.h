@@ -1,0 +1,53 @@
+#pragma once
+
+#include "cli/cli.h"
+#include "cli/project.h"
+#include "cli/sent_record.h"
+
+/// Brings files onto the module, as far as it does not hold them already, and tells of every file
+/// what was done and why.
+class Update
+{
+public:
+    struct Choice
+    {
+        bool all = false;      ///< also what the module holds already
+        bool dryRun = false;   ///< only tell what would be sent
+        bool noVerify = false; ///< do not check what was sent
+    };
+
+    Update(Cli &cli, const QVector<ProjectFile> &files, const Choice &choice);
+
+    /// The exit code.
+    int run();
+
+private:
+    /// A file, and which of its blocks are to be sent.
+    struct Job
+    {
+        ProjectFile file;
+        QVector<int> blocks;
+        QString reason;
+        bool trustsRecord; ///< of the bytes that no check covers
+
+        bool isSent() const { return !blocks.isEmpty(); }
+    };
+
+    SentRecord openRecord();
+    void compareAll();
+    void plan(Job &job) const;
+    void sendAll();
+    /// Checks what was sent, sends once more what still differs, and checks again.
+    bool verify();
+    /// Checks the blocks of each job; leaves those in it that still differ, or none.
+    bool verifyBlocks(QVector<Job> &jobs, const QString &what);
+    void tell(const Job &job, const QString &status, const QString &reason);
+    void tellUnchanged(const Job &job);
+    void tellVerified(const Job &job);
+    int finish();
+
+    Cli &m_cli;
+    const Choice m_choice;
+    QVector<Job> m_jobs;
+    SentRecord m_record{QString()};
+};

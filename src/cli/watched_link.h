@@ -1,0 +1,45 @@
+#pragma once
+
+#include "serial/serial_link.h"
+
+#include <memory>
+
+/// A link that knows what went over it: for errors, logs and the monitor.
+class WatchedLink final : public SerialLink
+{
+    Q_OBJECT
+
+public:
+    explicit WatchedLink(std::unique_ptr<SerialLink> link);
+
+    const QString &name() const { return m_name; }
+    const QByteArray &lastSent() const { return m_lastSent; }
+    /// Bytes since `lastSent`.
+    qint64 receivedSince() const { return m_receivedSince; }
+    qint64 sentBytes() const { return m_sentBytes; }
+    /// The device went away while the link was open.
+    bool wasLost() const { return m_wasLost; }
+
+    void setPortName(const QString &name) override;
+    void setBaudRate(int rate) override { m_link->setBaudRate(rate); }
+    bool open() override;
+    bool isOpen() const override { return m_link->isOpen(); }
+    OpenFailure openFailure() const override { return m_link->openFailure(); }
+    void close() override { m_link->close(); }
+    void write(const QByteArray &bytes) override;
+    bool isSending() const override { return m_link->isSending(); }
+    QByteArray readAll() override;
+    void poll() override { m_link->poll(); }
+
+signals:
+    void sent(const QByteArray &bytes);
+    void received(const QByteArray &bytes);
+
+private:
+    const std::unique_ptr<SerialLink> m_link;
+    QString m_name;
+    QByteArray m_lastSent;
+    qint64 m_receivedSince = 0;
+    qint64 m_sentBytes = 0;
+    bool m_wasLost = false;
+};
