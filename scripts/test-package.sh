@@ -148,7 +148,7 @@ for program in VORAII_Tool k7 k7-simulator; do
     [ "$said" = "$program $version" ] || fail "$program --version says \"$said\""
   done
   page=$(sed 's/\\-/-/g' "$root/usr/share/man/man1/$program.1")
-  options=$(run "$root/usr/bin/$program" --help | grep -oE -- '--[a-z][a-z-]*')
+  options=$(run "$root/usr/bin/$program" --help | grep -oE -- '--[a-z][a-z0-9-]*')
   for option in $options; do
     grep -qwF -- "$option" <<<"$page" || fail "the manual of $program lacks $option"
   done
