@@ -41,20 +41,24 @@ private slots:
         QCOMPARE(module().pictures().value(300).left(250).toHex().toUpper(), pixels);
     }
 
-    void jpegsAreStoredUnderTheirId()
+    void jpegsAreShownOrStoredUnderTheirId()
     {
         const QByteArray jpeg = randomBytes(500); // whatever it is, it is sent as it stands
         choose("openJpgFile", {write("a.jpg", jpeg)});
         set("jpgPositionX", 300);
         set("jpgPositionY", 200);
         set("jpgPositionID", 77);
-        click("renewalPageID");
-        click("downloadJpgFile");
-        QCOMPARE(nextBoxes(), QStringList{complete});
-        QCOMPARE(module().jpeg().content, jpeg);
-        QVERIFY(module().jpeg().isStored);
-        QCOMPARE(module().jpeg().first, 77);
-        QCOMPARE(module().jpeg().second, 0);
+        for (const auto &[button, isStored, first, second] :
+             {std::tuple("renewalPageNow", false, 300, 200), {"renewalPageID", true, 77, 0}}) {
+            const Row row(button);
+            click(button);
+            click("downloadJpgFile");
+            QCOMPARE(nextBoxes(), QStringList{complete});
+            QCOMPARE(module().jpeg().content, jpeg);
+            QCOMPARE(module().jpeg().isStored, isStored);
+            QCOMPARE(module().jpeg().first, first);
+            QCOMPARE(module().jpeg().second, second);
+        }
     }
 
     void iconsGoToTheBlockOfTheirName()
