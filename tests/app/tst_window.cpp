@@ -342,6 +342,11 @@ private slots:
         log.clear();
         runEventLoop(100);
         QVERIFY(batches.isEmpty());
+        for (int i = 0; i <= TrafficLog::maxLines; ++i)
+            log.add(TrafficLog::Direction::Sent, "x");
+        QCOMPARE(log.record().count('\n'), TrafficLog::maxLines);
+        COMPARE_SOON(batches.size(), 1);
+        QCOMPARE(batches.first().first().toStringList().size(), TrafficLog::maxLines);
         const int most = find<QTextEdit>("receiveText")->document()->maximumBlockCount();
         QCOMPARE(most, TrafficLog::maxLines);
     }
