@@ -121,10 +121,10 @@ private slots:
     {
         QBuffer png;
         QImage(20, 20, QImage::Format_RGB32).save(&png, "PNG");
-        const QByteArray tooLarge = "P6 20000 20000 255\n";
+        const QByteArray tooLarge = "P4 10001 10000\n" + QByteArray(1251 * 10000, '\0');
         for (const QByteArray &content :
              {QByteArray(), QByteArray("no picture"), png.data().left(40), tooLarge}) {
-            const Row row(content);
+            const Row row(content.left(20));
             QVERIFY(picture::decode(content).isNull());
             QCOMPARE(&picture::refusal(content),
                      content == tooLarge ? &texts::pictureTooLarge : &texts::fileIsNotPicture);
