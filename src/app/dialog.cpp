@@ -93,7 +93,7 @@ Dialog::Dialog(Links links, QWidget *parent)
     connect(m_uartSet, &SerialSet::accepted, this, useUart);
     connect(m_ed2Set, &SerialSet::accepted, this, useEd2);
 
-    connect(&m_engine, &Engine::beat, this, [this] { m_stepwiseZeroFont.step(); });
+    connect(&m_engine.heartbeat(), &Heartbeat::fired, this, [this] { m_stepwiseZeroFont.step(); });
     m_engine.start();
     loadSettings();
     openInitialTab();

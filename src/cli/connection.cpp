@@ -81,7 +81,7 @@ Connection::Connection(const Device &device, const Setup &setup, Report &report)
         if (!m_what.isEmpty())
             m_report.progress(m_what, m_progressFrom + percent * (100 - m_progressFrom) / 100);
     });
-    connect(&m_engine, &Engine::beat, this, &Connection::onBeat);
+    connect(&m_engine.heartbeat(), &Heartbeat::fired, this, &Connection::onBeat);
     if (!setup.logFile.isEmpty())
         openLog(setup.logFile);
     m_engine.start();
@@ -198,7 +198,7 @@ Outcome Connection::attempt(const std::function<void()> &start)
     QEventLoop loop;
     start();
     // An exchange may end by starting another one, as that of an operating system does.
-    const auto end = connect(&m_engine, &Engine::beat, &loop, [this, &loop] {
+    const auto end = connect(&m_engine.heartbeat(), &Heartbeat::fired, &loop, [this, &loop] {
         if (m_engine.isIdle())
             loop.quit();
     });

@@ -42,7 +42,6 @@ Engine::Engine(SerialLink &uart, SerialLink &ed2, Notices &notices, const StepPo
     }
     connect(&m_reports, &ExchangeReports::progressed, this, &Engine::progressed);
     connect(&m_reports, &ExchangeReports::ended, this, &Engine::ended);
-    connect(&m_heartbeat, &Heartbeat::fired, this, &Engine::beat);
 }
 
 Engine::~Engine() = default;

@@ -32,6 +32,7 @@ public:
 
     /// Starts the heartbeat: one tick every millisecond.
     void start() { m_heartbeat.start(); }
+    const Heartbeat &heartbeat() const { return m_heartbeat; }
 
     /// Port and rate of the UART2 link, and the header bytes and CRC switch of all frames. The port
     /// counts from the next opening on.
@@ -92,8 +93,6 @@ signals:
     // As ExchangeReports tells them.
     void progressed(int type, int percent);
     void ended(int type, Outcome outcome);
-    /// A millisecond has passed, or several; also while nothing runs.
-    void beat();
 
 private:
     void connectLinks();
