@@ -1,12 +1,12 @@
 #include "simulator/module_dump.h"
+#include "simulator/quit_on_stop.h"
 #include "simulator/screen_window.h"
+#include "simulator/serial_wire.h"
 #include "simulator/simulator.h"
-#include "simulator/stop_signals.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QRegularExpression>
-#include <QSocketNotifier>
 
 #include <climits>
 #include <cstdio>
@@ -21,6 +21,8 @@ struct Options
 {
     k7::ModuleSettings module;
     k7::Behaviour behaviour;
+    QString uartPort;   // empty: a pseudo-terminal
+    QString ed2Port;    // the same
     QString dumpFolder; // empty: no dump
     bool showsScreen = false;
 };
@@ -80,11 +82,14 @@ void readScreen(const QString &text, QSize &screen)
 Options readOptions(const QCoreApplication &application)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription("Simulates a K7 display module on two pseudo-terminals.");
+    parser.setApplicationDescription(
+        "Simulates a K7 display module on two pseudo-terminals or serial ports.");
     parser.addOptions({
         {"crc", "Frames on UART2 carry a CRC."},
         {"header", "Header bytes of frames, hexadecimal (default 5AA5).", "bytes", "5AA5"},
         {"layout", "Know the downloads of <layout> (default K7UID1).", "layout", "K7UID1"},
+        {"uart-port", "Use serial port <name> for UART2 instead of a pseudo-terminal.", "name"},
+        {"ed2-port", "Use serial port <name> for ED2 instead of a pseudo-terminal.", "name"},
         {"uart-rate", "Listen on UART2 at <rate> bit/s (default 115200).", "rate", "115200"},
         {"real-time", "Be as slow as the lines, and deaf while the flash is programmed."},
         {"protect-flash", "Acknowledge what is sent to the flash, and keep none of it."},
@@ -114,6 +119,8 @@ Options readOptions(const QCoreApplication &application)
     readNumber("uart-rate", parser.value("uart-rate"), options.module.uartRate);
     if (options.module.uartRate == 0)
         exitOnBadUsage("--uart-rate needs a rate above 0");
+    options.uartPort = parser.value("uart-port");
+    options.ed2Port = parser.value("ed2-port");
     options.behaviour.realTime = parser.isSet("real-time");
     options.behaviour.flashProtected = parser.isSet("protect-flash");
     options.showsScreen = parser.isSet("screen");
@@ -129,6 +136,12 @@ Options readOptions(const QCoreApplication &application)
     if (parser.isSet("dump") && options.dumpFolder.isEmpty())
         exitOnBadUsage("--dump needs the name of a folder");
     return options;
+}
+
+/// The wire of `link`; null where none is named and the system has no pseudo-terminals.
+k7::Wire *makeWire(const QString &port, const k7::ModuleSettings &module, k7::Link link)
+{
+    return port.isEmpty() ? k7::makeTerminal(nullptr) : new k7::SerialWire(port, module.rate(link));
 }
 
 /// The application; without a window system where no screen is shown.
@@ -149,23 +162,24 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationVersion(K7_SIMULATOR_VERSION);
     const Options options = readOptions(*application);
 
-    const int signalled = k7::catchStopSignals();
     k7::Simulator simulator(options.module);
     simulator.setBehaviour(options.behaviour);
-    if (signalled < 0 || !simulator.start()) {
-        print(stderr, "k7-simulator: the system has no pseudo-terminals left");
+    if (!k7::quitOnStop() ||
+        !simulator.start(makeWire(options.uartPort, options.module, k7::Link::Uart2),
+                         makeWire(options.ed2Port, options.module, k7::Link::Ed2))) {
+        print(stderr,
+              "k7-simulator: a named port cannot be opened, or none is named and the system "
+              "has no pseudo-terminals left");
         return failed;
     }
-    QSocketNotifier stop(signalled, QSocketNotifier::Read);
-    // Queued, so that it ends the event loop even when it comes before the loop has begun.
-    QObject::connect(&stop, &QSocketNotifier::activated, application.get(), &QCoreApplication::quit,
-                     Qt::QueuedConnection);
     QObject::connect(&simulator, &k7::Simulator::hungUp, application.get(), &QCoreApplication::quit,
                      Qt::QueuedConnection);
     QObject::connect(&simulator, &k7::Simulator::traced,
                      [](const QString &line) { print(stdout, line); });
-    print(stdout, "UART2 " + simulator.uartPath());
-    print(stdout, "ED2 " + simulator.ed2Path());
+    for (const auto &[link, path] :
+         {std::pair("UART2 ", simulator.uartPath()), std::pair("ED2 ", simulator.ed2Path())})
+        if (!path.isEmpty())
+            print(stdout, link + path);
     std::unique_ptr<k7::ScreenWindow> screen;
     if (options.showsScreen) {
         screen = std::make_unique<k7::ScreenWindow>(simulator);

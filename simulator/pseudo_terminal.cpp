@@ -131,4 +131,9 @@ void PseudoTerminal::hangUp()
     m_path.clear();
 }
 
+Wire *makeTerminal(QObject *parent)
+{
+    return new PseudoTerminal(parent);
+}
+
 } // namespace k7

@@ -2,10 +2,6 @@
 
 #include "simulator/direct_wire.h"
 
-#ifdef K7_HAS_TERMINALS
-#include "simulator/pseudo_terminal.h"
-#endif
-
 namespace k7 {
 
 namespace {
@@ -19,11 +15,7 @@ const char *portName(Link link)
 
 Wire *makeWire(Link link, Way way, QObject *parent)
 {
-#ifdef K7_HAS_TERMINALS
-    if (way == Way::Terminals)
-        return new PseudoTerminal(parent);
-#endif
-    return way == Way::InProcess ? new DirectWire(portName(link), parent) : nullptr;
+    return way == Way::Terminals ? makeTerminal(parent) : new DirectWire(portName(link), parent);
 }
 
 } // namespace
@@ -52,25 +44,37 @@ void Simulator::prepare(Channel &channel)
     connect(&channel.lineTimer, &QTimer::timeout, this, [this, &channel] { onLineTimer(channel); });
 }
 
+bool Simulator::start()
+{
+    return start(Way::Terminals) || start(Way::InProcess);
+}
+
 bool Simulator::start(Way way)
+{
+    return start(makeWire(Link::Uart2, way, this), makeWire(Link::Ed2, way, this));
+}
+
+bool Simulator::start(Wire *uart, Wire *ed2)
 {
     unplug();
     m_receivedBytes = 0;
-    if (open(m_uart, way) && open(m_ed2, way))
+    plugIn(m_uart, uart);
+    plugIn(m_ed2, ed2);
+    if ((uart || ed2) && (!uart || uart->open()) && (!ed2 || ed2->open()))
         return true;
     unplug();
     return false;
 }
 
-bool Simulator::open(Channel &channel, Way way)
+void Simulator::plugIn(Channel &channel, Wire *wire)
 {
     channel.heardRate = m_module.settings().rate(channel.link);
-    channel.wire = makeWire(channel.link, way, this);
-    if (!channel.wire)
-        return false;
-    connect(channel.wire, &Wire::received, this,
+    channel.wire = wire;
+    if (!wire)
+        return;
+    wire->setParent(this);
+    connect(wire, &Wire::received, this,
             [this, &channel](const QByteArray &bytes, int rate) { receive(channel, bytes, rate); });
-    return channel.wire->open();
 }
 
 DirectWire *Simulator::directWire(const QString &portName) const

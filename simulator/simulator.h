@@ -39,12 +39,6 @@ enum class Way {
     InProcess, ///< two ports SIM-UART2 and SIM-ED2, which a DirectLink opens
 };
 
-#ifdef K7_HAS_TERMINALS
-inline constexpr Way usualWay = Way::Terminals;
-#else
-inline constexpr Way usualWay = Way::InProcess;
-#endif
-
 /// A display module and the wires to it.
 ///
 /// On each link the module hears garbage at any rate but its own: nothing is understood, nothing is
@@ -57,10 +51,15 @@ public:
     explicit Simulator(const ModuleSettings &settings = ModuleSettings(),
                        QObject *parent = nullptr);
 
-    /// Opens both links. False when the system has no pseudo-terminals, or none left; nothing is
-    /// open then. Called again it plugs the module in anew: its memory is as it was, its
-    /// pseudo-terminals are others.
-    bool start(Way way = usualWay);
+    /// Opens both links: on pseudo-terminals, or within the process where the system has none.
+    /// Called again it plugs the module in anew: its memory is as it was, its pseudo-terminals are
+    /// others.
+    bool start();
+    /// False when the system has no pseudo-terminals, or none left; nothing is open then.
+    bool start(Way way);
+    /// Opens wires of the caller's, which it takes over; a null one leaves its link unplugged.
+    /// False when one cannot be opened, or there is none.
+    bool start(Wire *uart, Wire *ed2);
     /// Ports for the tool; empty before start() and after a hang-up.
     QString uartPath() const { return pathOf(m_uart); }
     QString ed2Path() const { return pathOf(m_ed2); }
@@ -98,7 +97,7 @@ private:
     };
 
     void prepare(Channel &channel);
-    bool open(Channel &channel, Way way);
+    void plugIn(Channel &channel, Wire *wire);
     void receive(Channel &channel, const QByteArray &bytes, int rate);
     bool hears(Channel &channel, int rate);
     void onLineTimer(Channel &channel);

@@ -31,4 +31,7 @@ signals:
     void received(const QByteArray &bytes, int rate);
 };
 
+/// One end of a new pair of pseudo-terminals; null on systems without them.
+Wire *makeTerminal(QObject *parent);
+
 } // namespace k7

@@ -1,10 +1,8 @@
-#include "app/dialog.h"
 #include "app/screenshots.h"
+#include "app/simulated_dialog.h"
 #include "app/tour.h"
 #include "serial/system_ports.h"
-#include "simulator/direct_link.h"
 #include "simulator/screen_window.h"
-#include "simulator/simulator.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -28,18 +26,14 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
     return std::make_unique<QApplication>(argc, argv);
 }
 
-/// A window that can reach the module `simulator`, as slow as a real one: on pseudo-terminals, or
-/// on links in the process where the system has none.
-std::unique_ptr<Dialog> simulatedDialog(k7::Simulator &simulator)
+/// Starts `simulator`, as slow as a real module, and opens a window that can reach it.
+std::unique_ptr<Dialog> startedDialog(k7::Simulator &simulator)
 {
     k7::Behaviour behaviour;
     behaviour.realTime = true;
     simulator.setBehaviour(behaviour);
-    if (simulator.start(k7::Way::Terminals))
-        return std::make_unique<Dialog>();
-    simulator.start(k7::Way::InProcess);
-    return std::make_unique<Dialog>(Dialog::Links{std::make_unique<k7::DirectLink>(simulator),
-                                                  std::make_unique<k7::DirectLink>(simulator)});
+    simulator.start();
+    return simulatedDialog(simulator);
 }
 
 /// Shows `screen` beside `dialog` where the desktop has room for both, else wherever it comes to
@@ -117,16 +111,14 @@ int main(int argc, char *argv[])
     k7::Simulator simulator;
     const bool isAlone = parser.isSet(simulateAlone) && systemPorts().isEmpty();
     const bool isSimulated = parser.isSet(simulate) || isAlone;
-    const auto window = isSimulated ? simulatedDialog(simulator) : std::make_unique<Dialog>();
+    const auto window = isSimulated ? startedDialog(simulator) : std::make_unique<Dialog>();
     Dialog &dialog = *window;
     dialog.setDefaultFolder(QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) +
                             "/ZOLT_SET");
     dialog.setResolutionText("480X272");
     dialog.offerPorts(parser.values(port));
-    if (isSimulated) {
-        dialog.offerPorts({simulator.uartPath(), simulator.ed2Path()});
-        dialog.usePorts(simulator.uartPath(), simulator.ed2Path());
-    }
+    if (isSimulated)
+        useModule(dialog, simulator);
     dialog.selectLanguage(parser.value(language));
     dialog.show();
     if (parser.isSet(screenshots)) {

@@ -16,6 +16,8 @@
 class Person
 {
 public:
+    /// The dialogs are Qt's own from now on: those of the system are out of reach.
+    Person() { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
     virtual ~Person() = default;
     virtual QWidget &window() = 0;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cli/console.h"
+
 #include <CLI/CLI.hpp>
 
 #include <QString>
@@ -34,7 +36,7 @@ inline CLI::Validator number(int least, int most)
 
 inline QString text(const std::string &argument)
 {
-    return QString::fromLocal8Bit(argument.c_str());
+    return console::decoded(argument);
 }
 
 inline QStringList texts(const std::vector<std::string> &arguments)

@@ -1,5 +1,6 @@
 #include "cli/cli.h"
 
+#include "cli/console.h"
 #include "cli/failure.h"
 #include "cli/ini_file.h"
 
@@ -98,7 +99,7 @@ void Cli::applyOptions()
 
 QStringList Cli::deviceNames() const
 {
-    return QString::fromStdString(m_options.device).split(',', Qt::SkipEmptyParts);
+    return console::decoded(m_options.device).split(',', Qt::SkipEmptyParts);
 }
 
 void Cli::useProject(const QString &folder)
@@ -117,7 +118,7 @@ DeviceValues Cli::givenValues() const
     DeviceValues values;
     for (const auto &[name, text] : texts)
         if (!text.empty())
-            values.insert(name, QString::fromLocal8Bit(text.c_str()));
+            values.insert(name, console::decoded(text));
     if (m_options.crc)
         values.insert("crc", "true");
     return values;
@@ -144,8 +145,7 @@ Connection &Cli::connection(Access access)
     if (!m_connection)
         m_connection = std::make_unique<Connection>(
             device(),
-            Connection::Setup{m_options.simulate, m_options.wait,
-                              QString::fromLocal8Bit(m_options.log.c_str())},
+            Connection::Setup{m_options.simulate, m_options.wait, console::decoded(m_options.log)},
             m_report);
     if (access == Access::Writes)
         m_connection->expectDevice();

@@ -1,5 +1,6 @@
 #include "cli/each_device.h"
 
+#include "cli/console.h"
 #include "cli/interrupt.h"
 #include "cli/report.h"
 
@@ -49,8 +50,7 @@ private:
         m_process.setReadChannel(channel);
         while (m_process.canReadLine()) {
             QByteArray line = m_process.readLine();
-            line.chop(1); // its end
-            const QByteArray name = m_device.toLocal8Bit();
+            line.chop(line.endsWith("\r\n") ? 2 : 1); // its end
             const QJsonDocument json =
                 m_report.isJson() ? QJsonDocument::fromJson(line) : QJsonDocument();
             if (json.isObject()) {
@@ -58,8 +58,7 @@ private:
                 object.insert("device", m_device);
                 m_report.result(object, {});
             } else {
-                std::fprintf(out, "%s: %s\n", name.constData(), line.constData());
-                std::fflush(out);
+                console::print(out, m_device + ": " + QString::fromLocal8Bit(line) + '\n');
             }
         }
     }

@@ -1,5 +1,6 @@
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/console.h"
 #include "cli/each_device.h"
 #include "cli/interrupt.h"
 
@@ -39,7 +40,7 @@ int refusal(const CLI::App &app, const CLI::ParseError &error, bool isJson)
     Report::Settings settings;
     settings.format = isJson ? Report::Format::Json : Report::Format::Text;
     report.configure(settings);
-    return report.fail(ExitCode::usage, QString::fromLocal8Bit(error.what()).trimmed(),
+    return report.fail(ExitCode::usage, console::decoded(error.what()).trimmed(),
                        "See `k7 --help`, or `k7 COMMAND --help`.");
 }
 
@@ -61,7 +62,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[], bool 
 void tellCritical(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+        console::print(stderr, text + '\n');
 }
 
 } // namespace
@@ -78,7 +79,7 @@ int main(int argc, char *argv[])
     cli.addOptions(app);
     addCommands(app, cli);
     try {
-        app.parse(argc, argv);
+        app.parse(console::words(argc, argv));
     } catch (const CLI::ParseError &error) {
         return refusal(app, error, wantsJson(argc, argv));
     }

@@ -1,49 +1,22 @@
 #include "cli/report.h"
 
+#include "cli/console.h"
+
 #include <QJsonDocument>
 
 #include <cstdio>
 
-#ifdef Q_OS_UNIX
-#include <sys/ioctl.h>
-#include <unistd.h>
-#endif
-
 namespace {
 
 constexpr int barCells = 20;
-
-void print(std::FILE *file, const QString &text)
-{
-    std::fprintf(file, "%s\n", text.toLocal8Bit().constData());
-    std::fflush(file);
-}
+const QString eraseRest = QStringLiteral("\x1b[K"); // of the line, on a terminal
 
 void print(QJsonObject json)
 {
     json.insert("format", 1);
-    print(stdout, QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Compact)));
-}
-
-bool isTerminal(std::FILE *file)
-{
-#ifdef Q_OS_UNIX
-    return isatty(fileno(file)) != 0;
-#else
-    Q_UNUSED(file)
-    return false;
-#endif
-}
-
-/// Columns of the terminal at stderr; 80 where it does not tell.
-int columns()
-{
-#ifdef Q_OS_UNIX
-    winsize size{};
-    if (ioctl(fileno(stderr), TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
-        return size.ws_col;
-#endif
-    return 80;
+    // JSON is UTF-8, whatever the local encoding is.
+    std::printf("%s\n", QJsonDocument(json).toJson(QJsonDocument::Compact).constData());
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -52,7 +25,7 @@ void Report::configure(const Settings &settings)
 {
     m_settings = settings;
     m_drawsBar = settings.progress == Progress::Bar ||
-                 (settings.progress == Progress::Auto && isTerminal(stderr));
+                 (settings.progress == Progress::Auto && console::isTerminal(stderr));
 }
 
 void Report::result(const QJsonObject &json, const QString &text)
@@ -60,7 +33,7 @@ void Report::result(const QJsonObject &json, const QString &text)
     clearBar();
     if (!isJson()) {
         if (!text.isEmpty())
-            print(stdout, text);
+            console::print(stdout, text + '\n');
         return;
     }
     QJsonObject object = json;
@@ -77,7 +50,7 @@ void Report::note(const QString &text)
     if (isJson())
         print({{"type", "note"}, {"text", text}});
     else
-        print(stderr, text);
+        console::print(stderr, text + '\n');
 }
 
 void Report::detail(const QString &text)
@@ -92,9 +65,9 @@ int Report::fail(ExitCode code, const QString &cause, const QString &remedy)
     if (isJson()) {
         print({{"type", "error"}, {"code", code}, {"cause", cause}, {"remedy", remedy}});
     } else {
-        print(stderr, "k7: " + cause);
+        console::print(stderr, "k7: " + cause + '\n');
         if (!remedy.isEmpty())
-            print(stderr, "    " + remedy);
+            console::print(stderr, "    " + remedy + '\n');
     }
     return code;
 }
@@ -115,7 +88,7 @@ void Report::progress(const QString &what, int percent)
         if (isJson())
             print({{"type", "progress"}, {"what", what}, {"percent", step}});
         else
-            print(stderr, QString("%1 %2 %").arg(what).arg(step));
+            console::print(stderr, QString("%1 %2 %\n").arg(what).arg(step));
         return;
     }
     m_progressOf = what;
@@ -125,15 +98,14 @@ void Report::progress(const QString &what, int percent)
 
 void Report::drawBar(const QString &what, int percent)
 {
-    const int width = columns() - 1;
+    const int width = console::columns() - 1;
     QString line = QString("%1 %").arg(percent, 3);
     if (width >= barCells + 2 + line.size() + 10) {
         const int filled = percent * barCells / 100;
         line += " [" + QString(filled, '#') + QString(barCells - filled, '.') + ']';
     }
     line = (line + ' ' + what).left(width);
-    std::fprintf(stderr, "\r%s\x1b[K", line.toLocal8Bit().constData());
-    std::fflush(stderr);
+    console::print(stderr, '\r' + line + eraseRest);
     m_isBarShown = true;
 }
 
@@ -141,7 +113,6 @@ void Report::clearBar()
 {
     if (!m_isBarShown)
         return;
-    std::fprintf(stderr, "\r\x1b[K");
-    std::fflush(stderr);
+    console::print(stderr, '\r' + eraseRest);
     m_isBarShown = false;
 }

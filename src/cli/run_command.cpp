@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/console.h"
 #include "cli/interrupt.h"
 
 #include <QFile>
@@ -56,13 +57,13 @@ int runLine(Cli &cli, const QString &line)
     app.remove_subcommand(app.get_subcommand("run"));
     std::vector<std::string> words; // last first, as the parser takes them
     for (const QString &word : QProcess::splitCommand(line))
-        words.insert(words.begin(), word.toLocal8Bit().toStdString());
+        words.insert(words.begin(), console::encoded(word));
     try {
         app.parse(words);
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
             return app.exit(error);
-        return cli.report().fail(ExitCode::usage, QString::fromLocal8Bit(error.what()).trimmed(),
+        return cli.report().fail(ExitCode::usage, console::decoded(error.what()).trimmed(),
                                  "See `k7 --help`.");
     }
     return cli.runCommand();

@@ -78,15 +78,10 @@ inline constexpr Text portIsOurOwn{
     "本工具的另一条链路已打开该串口。请在串口设置中为UART2和ED2选择不同的串口。"
     "停止下载后仍打开的ED2串口，会在下一次ED2下载结束时关闭；UART2串口可用ED2页面的“停止”关闭；"
     "退出本工具时两者都会关闭。"};
-#ifdef Q_OS_LINUX
 inline constexpr Text noPermission{
     "You have no permission to use the port. Add your user to the group dialout, then log in "
     "again.",
     "没有使用该串口的权限。请把当前用户加入 dialout 组，然后重新登录。"};
-#else
-inline constexpr Text noPermission{"You have no permission to use the port.",
-                                   "没有使用该串口的权限。"};
-#endif
 inline constexpr Text notASerialPort{"The port does not accept serial settings.",
                                      "该端口不接受串口参数。"};
 

@@ -1,20 +1,8 @@
 #include "serial/qt_serial_link.h"
 
-#include <QFileInfo>
+#include "serial/serial_device.h"
+
 #include <QVariant>
-
-#ifdef Q_OS_UNIX
-#include <poll.h>
-#endif
-
-namespace {
-
-QFileInfo deviceOf(const QString &name)
-{
-    return QFileInfo(name.startsWith('/') ? name : "/dev/" + name);
-}
-
-} // namespace
 
 QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
 {
@@ -69,8 +57,10 @@ void QtSerialLink::write(const QByteArray &bytes)
 
 void QtSerialLink::poll()
 {
-    if (m_port.isOpen() && hasInput())
-        m_port.waitForReadyRead(0);
+    // Where the system reads in the background, bytes that wait take a moment to come through.
+    constexpr int moment = 1; // in milliseconds
+    if (m_port.isOpen() && serialDevice::hasInput(m_port))
+        m_port.waitForReadyRead(moment);
 }
 
 void QtSerialLink::onError(QSerialPort::SerialPortError error)
@@ -80,7 +70,7 @@ void QtSerialLink::onError(QSerialPort::SerialPortError error)
                                  error == QSerialPort::WriteError;
     if (!isTransferError || !m_port.isOpen())
         return;
-    if (!isHungUp()) {
+    if (!serialDevice::isGone(m_port)) {
         // A read that finds nothing, because poll() came first, is reported as an error, too, and
         // may have made the port deaf; this makes it listen again.
         m_port.setReadBufferSize(0);
@@ -92,55 +82,16 @@ void QtSerialLink::onError(QSerialPort::SerialPortError error)
     QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
 }
 
-#ifdef Q_OS_UNIX
-
-namespace {
-
-bool isInState(int descriptor, short events)
-{
-    pollfd device{descriptor, events, 0};
-    return ::poll(&device, 1, 0) > 0 && (device.revents & events) != 0;
-}
-
-} // namespace
-
-bool QtSerialLink::hasInput() const
-{
-    return isInState(m_port.handle(), POLLIN);
-}
-
-bool QtSerialLink::isHungUp() const
-{
-    return isInState(m_port.handle(), POLLHUP | POLLERR | POLLNVAL);
-}
-
-#else
-
-bool QtSerialLink::hasInput() const
-{
-    return true;
-}
-
-bool QtSerialLink::isHungUp() const
-{
-    return true;
-}
-
-#endif
-
 OpenFailure QtSerialLink::causeOf(QSerialPort::SerialPortError error) const
 {
     switch (error) {
     case QSerialPort::DeviceNotFoundError:
         return OpenFailure::NoSuchPort;
-    case QSerialPort::PermissionError: {
+    case QSerialPort::PermissionError:
         // Qt reports a port that is locked by another program as forbidden, too.
-        const QFileInfo device = deviceOf(m_name);
-        const bool forbidden = device.exists() && !(device.isReadable() && device.isWritable());
-        if (forbidden)
+        if (serialDevice::isForbidden(m_name))
             return OpenFailure::NoPermission;
         return isHeldByPeer() ? OpenFailure::OurOwn : OpenFailure::InUse;
-    }
     default:
         return OpenFailure::NotASerialPort;
     }
@@ -148,9 +99,6 @@ OpenFailure QtSerialLink::causeOf(QSerialPort::SerialPortError error) const
 
 bool QtSerialLink::isHeldByPeer() const
 {
-    if (!m_peer || !m_peer->isOpen())
-        return false;
     // The peer may have got another name meanwhile: what counts is the device that it opened.
-    const QString peerName = m_peer->m_port.portName();
-    return peerName == m_port.portName() || deviceOf(peerName) == deviceOf(m_name);
+    return m_peer && m_peer->isOpen() && serialDevice::isSame(m_peer->m_port.portName(), m_name);
 }

@@ -28,9 +28,6 @@ public:
 
 private:
     void onError(QSerialPort::SerialPortError error);
-    // What the device says right now; where the system cannot tell, both say yes.
-    bool hasInput() const;
-    bool isHungUp() const;
     OpenFailure causeOf(QSerialPort::SerialPortError error) const;
     bool isHeldByPeer() const;
 

@@ -211,7 +211,7 @@ private:
             for (auto it = edits.begin(); it != edits.end(); ++it)
                 settings.setValue(it.key(), it.value());
         }
-        m_dialog = std::make_unique<Dialog>();
+        m_dialog = simulatedDialog(*m_simulator);
         m_dialog->show();
     }
     void chooseTheShownLanguage()

@@ -48,8 +48,7 @@ private slots:
         click("stopFont");
         m_simulator->hangUp();
         QVERIFY(m_simulator->start());
-        m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
-        m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
+        useModule(*m_dialog, *m_simulator);
         runEventLoop(300);
         // What still runs, or is still open on the old device, may take the first attempts.
         find<QLineEdit>("displayVersion")->clear();

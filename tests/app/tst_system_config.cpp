@@ -235,7 +235,7 @@ private slots:
                                  "d.dzk", "e.dzk", "f.dzk", "w.wav"})
             write(name, "");
         QVERIFY(QDir(m_folder->path()).mkdir("folder.wav"));
-        QVERIFY(QFile::link(m_folder->filePath("1.bin"), m_folder->filePath("3.bin")));
+        link("3.bin", "1.bin");
         set("wavFileNumber", 9);
         choose("openZoltsetFolder", {m_folder->path()});
         QCOMPARE(line("displayZoltsetPath"), m_folder->path());

@@ -3,7 +3,6 @@
 #include "font/zero_font.h"
 #include "ico/ico_library.h"
 #include "serial/modbus_crc16.h"
-#include "simulator/pseudo_terminal.h"
 #include "support/random_bytes.h"
 
 #include <QFontDatabase>
@@ -12,8 +11,6 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <csignal>
 
 namespace {
 
@@ -49,8 +46,7 @@ QImage picture(int width, int height, const QColor &color = Qt::red)
 
 } // namespace
 
-/// What the program does with files and what it prints of a line, run as in a container: without a
-/// display and without a locale.
+/// What the program does with files, run as in a container: without a display and without a locale.
 class TestK7Files : public QObject
 {
     Q_OBJECT
@@ -237,28 +233,6 @@ private slots:
         QCOMPARE(told.at(0).value("code"), QJsonValue(3));
     }
 
-    void monitorDecodesWhatComes()
-    {
-        QCOMPARE(
-            monitored({"monitor"}, 130),
-            (QStringList{"UART2 < 5A A5 03 82 4F 4B  acknowledgement of a write",
-                         "UART2 < 01 02 03  garbage, 3 bytes",
-                         "UART2 < 5A A5 06 83 00 0F 01 45 21  holds VP 0x000F, 1 word (version)",
-                         "UART2 < 5A A5 09  unfinished frame, 3 bytes"}));
-        QCOMPARE(monitored({"monitor", "--time", "delta", "--format", "hex"}, 130).at(1),
-                 QString("UART2 < 01 02 03"));
-        const QStringList json = monitored({"monitor", "--format", "json"}, 130);
-        const QJsonObject first = QJsonDocument::fromJson(json.first().toUtf8()).object();
-        QCOMPARE(first.value("hex"), QJsonValue("5aa503824f4b"));
-        QCOMPARE(first.value("format"), QJsonValue(1));
-        QVERIFY(QDateTime::fromString(first.value("time").toString(), Qt::ISODateWithMs).isValid());
-    }
-
-    void monitorWritesAFileAndNoticesAnUnplug()
-    {
-        QCOMPARE(monitored({"monitor", "--time", "start", "-o", path("log")}, 5).size(), 4);
-    }
-
 private:
     QString path(const QString &name) const { return m_folder->filePath(name); }
     void write(const QString &name, const QByteArray &content)
@@ -291,47 +265,6 @@ private:
                 QString::fromUtf8(program.readAllStandardOutput()),
                 QString::fromUtf8(program.readAllStandardError())};
     }
-    /// What the program prints of a line, or writes to "log": four lines, without their times. It
-    /// ends with Ctrl-C, or when the line is pulled out, as `code` tells.
-    QStringList monitored(const QStringList &arguments, int code)
-    {
-        k7::PseudoTerminal line;
-        line.open();
-        QProcess program;
-        prepare(program);
-        program.start(K7, QStringList{"--uart2", line.path()} + arguments);
-        QByteArray printed;
-        const auto hasLines = [&](int count) {
-            printed =
-                arguments.contains("-o") ? read("log") : printed + program.readAllStandardOutput();
-            return printed.count('\n') >= count;
-        };
-        // What comes before the port is open is dropped.
-        for (int i = 0; i < 100 && !hasLines(1); ++i) {
-            line.write(QByteArray::fromHex("5AA503824F4B"));
-            runEventLoopUntil([&] { return hasLines(1); }, 50);
-        }
-        line.write(QByteArray::fromHex("010203 5AA50683000F014521 5AA509"));
-        runEventLoopUntil([&] {
-            hasLines(0);
-            return QByteArray(printed).toUpper().replace(" ", "").contains("5AA509");
-        });
-        if (code == 130)
-            ::kill(static_cast<pid_t>(program.processId()), SIGINT);
-        else
-            line.hangUp();
-        runEventLoopUntil([&] { return program.state() == QProcess::NotRunning; });
-        hasLines(0);
-        if (program.state() != QProcess::NotRunning || program.exitCode() != code)
-            return {QString("exit code %1").arg(program.exitCode())};
-        QStringList lines = QString::fromUtf8(printed).split('\n', Qt::SkipEmptyParts);
-        while (lines.size() > 4)
-            lines.removeFirst(); // more than one of the first frame came through
-        for (QString &each : lines)
-            each = each.mid(qMax(0, each.indexOf("UART2 <")));
-        return lines;
-    }
-
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 

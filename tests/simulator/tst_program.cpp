@@ -1,3 +1,6 @@
+#include "simulator/pseudo_terminal.h"
+#include "support/event_loop.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -58,6 +61,24 @@ private slots:
                      qPrintable(error));
             QCOMPARE(program.readAllStandardOutput(), QByteArray());
         }
+    }
+
+    void answersOnASerialPort()
+    {
+        k7::PseudoTerminal tool; // what the port is connected with
+        QVERIFY(tool.open());
+        QByteArray received;
+        connect(&tool, &k7::Wire::received, this,
+                [&received](const QByteArray &bytes) { received += bytes; });
+        QProcess program;
+        program.start(K7_SIMULATOR, {"--uart-port", tool.path(), "--uart-rate", "9600"});
+        QVERIFY(program.waitForReadyRead());
+        QCOMPARE(program.readLine(), "UART2 " + tool.path().toLatin1() + '\n');
+        tool.write(QByteArray::fromHex("5AA50483000F01"));
+        COMPARE_SOON(received.toHex(), QByteArray("5aa50683000f014521"));
+        program.terminate();
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(runUntilReady({"--ed2-port", "/dev/no-such-port"}).exitCode, -1);
     }
 
     void dumpsItsMemoryWhenItIsTerminated()

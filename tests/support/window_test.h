@@ -1,10 +1,9 @@
 #pragma once
 
-#include "app/dialog.h"
 #include "app/message_boxes.h"
 #include "app/person.h"
+#include "app/simulated_dialog.h"
 #include "assistant/serial_set.h"
-#include "simulator/simulator.h"
 #include "support/event_loop.h"
 
 #include <QFile>
@@ -39,9 +38,8 @@ protected:
         m_simulator = std::make_unique<k7::Simulator>();
         if (!m_simulator->start())
             return false;
-        m_dialog = std::make_unique<Dialog>();
-        m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
-        m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
+        m_dialog = simulatedDialog(*m_simulator);
+        useModule(*m_dialog, *m_simulator);
         m_dialog->show();
         return true;
     }
@@ -100,6 +98,14 @@ protected:
         image.fill(color);
         return writePicture(name, image);
     }
+    /// A link to a file of the folder, where the system knows links to files; elsewhere none.
+    void link(const QString &name, const QString &target)
+    {
+        const QString path = m_folder->filePath(name);
+        QVERIFY(QFile::link(m_folder->filePath(target), path));
+        if (!QFileInfo(path).isSymLink())
+            QVERIFY(QFile::remove(path));
+    }
     static QByteArray content(const QString &path)
     {
         QFile file(path);
@@ -156,8 +162,7 @@ protected:
         m_simulator->setBehaviour(behaviour);
         if (!m_simulator->start())
             return false;
-        m_dialog->offerPorts({m_simulator->uartPath(), m_simulator->ed2Path()});
-        m_dialog->usePorts(m_simulator->uartPath(), m_simulator->ed2Path());
+        useModule(*m_dialog, *m_simulator);
         return true;
     }
 

@@ -1,6 +1,5 @@
 #include "cli/interrupt.h"
 
-#ifdef K7_HAS_TERMINALS
 #include "simulator/stop_signals.h"
 
 #include <poll.h>
@@ -31,19 +30,3 @@ bool interrupt::waitForInput(int descriptor)
     }
     return !isPending();
 }
-
-#else
-
-void interrupt::watch() {}
-
-bool interrupt::isPending()
-{
-    return false;
-}
-
-bool interrupt::waitForInput(int)
-{
-    return true;
-}
-
-#endif

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+/// The terminal that the program was started from, or what stands for it. Each system has a file of
+/// its own.
+namespace console {
+
+/// The words behind the name of the program, the last one first, as the parser takes them. How they
+/// are encoded is for encoded() and decoded() to know.
+std::vector<std::string> words(int argc, char *argv[]);
+std::string encoded(const QString &word);
+QString decoded(const std::string &word);
+
+/// Writes `text` at once: all of its characters on a terminal, elsewhere those of the local 8-bit
+/// encoding.
+void print(std::FILE *file, const QString &text);
+/// Whether `file` is a terminal, which knows escape sequences.
+bool isTerminal(std::FILE *file);
+/// Columns of the terminal at stderr; 80 where it does not tell.
+int columns();
+
+} // namespace console

@@ -1,0 +1,40 @@
+#include "cli/console.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+std::vector<std::string> console::words(int argc, char *argv[])
+{
+    std::vector<std::string> words;
+    for (int i = argc - 1; i > 0; --i)
+        words.emplace_back(argv[i]);
+    return words;
+}
+
+std::string console::encoded(const QString &word)
+{
+    return word.toLocal8Bit().toStdString();
+}
+
+QString console::decoded(const std::string &word)
+{
+    return QString::fromLocal8Bit(word.c_str());
+}
+
+void console::print(std::FILE *file, const QString &text)
+{
+    std::fprintf(file, "%s", text.toLocal8Bit().constData());
+    std::fflush(file);
+}
+
+bool console::isTerminal(std::FILE *file)
+{
+    return isatty(fileno(file)) != 0;
+}
+
+int console::columns()
+{
+    winsize size{};
+    const bool tells = ioctl(fileno(stderr), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return tells ? size.ws_col : 80;
+}

@@ -1,0 +1,50 @@
+#include "cli/interrupt.h"
+
+#include <io.h>
+#include <windows.h>
+
+namespace {
+
+HANDLE interrupted = nullptr; // stays set: once interrupted, always interrupted
+
+BOOL WINAPI onControlEvent(DWORD event)
+{
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
+        return FALSE;
+    ::SetEvent(interrupted);
+    return TRUE;
+}
+
+/// Whether a read would not wait. A file never does; whoever reads from a terminal is woken by
+/// Ctrl-C itself.
+bool isReadable(HANDLE input)
+{
+    DWORD waiting = 0;
+    return ::GetFileType(input) != FILE_TYPE_PIPE ||
+           !::PeekNamedPipe(input, nullptr, 0, nullptr, &waiting, nullptr) || waiting > 0;
+}
+
+} // namespace
+
+void interrupt::watch()
+{
+    if (interrupted)
+        return;
+    interrupted = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    ::SetConsoleCtrlHandler(onControlEvent, TRUE);
+}
+
+bool interrupt::isPending()
+{
+    return interrupted && ::WaitForSingleObject(interrupted, 0) == WAIT_OBJECT_0;
+}
+
+bool interrupt::waitForInput(int descriptor)
+{
+    // A pipe cannot be waited for together with anything else.
+    constexpr DWORD pause = 20; // in milliseconds
+    const auto input = reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
+    while (!isPending() && !isReadable(input))
+        ::WaitForSingleObject(interrupted, pause);
+    return !isPending();
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QSerialPort>
+#include <QString>
+
+/// What the system knows of a serial device, and Qt does not tell. Each system has a file of its
+/// own.
+namespace serialDevice {
+
+/// Whether bytes wait in the device of the open port right now.
+bool hasInput(const QSerialPort &port);
+/// Whether the device of the open port went away.
+bool isGone(const QSerialPort &port);
+/// Whether the user may not use the device that is called `name`.
+bool isForbidden(const QString &name);
+/// Whether both names lead to one device.
+bool isSame(const QString &name, const QString &otherName);
+
+} // namespace serialDevice

@@ -1,0 +1,41 @@
+#include "serial/serial_device.h"
+
+#include <QFileInfo>
+
+#include <poll.h>
+
+namespace {
+
+bool isInState(int descriptor, short events)
+{
+    pollfd device{descriptor, events, 0};
+    return ::poll(&device, 1, 0) > 0 && (device.revents & events) != 0;
+}
+
+QFileInfo deviceFile(const QString &name)
+{
+    return QFileInfo(name.startsWith('/') ? name : "/dev/" + name);
+}
+
+} // namespace
+
+bool serialDevice::hasInput(const QSerialPort &port)
+{
+    return isInState(port.handle(), POLLIN);
+}
+
+bool serialDevice::isGone(const QSerialPort &port)
+{
+    return isInState(port.handle(), POLLHUP | POLLERR | POLLNVAL);
+}
+
+bool serialDevice::isForbidden(const QString &name)
+{
+    const QFileInfo file = deviceFile(name);
+    return file.exists() && !(file.isReadable() && file.isWritable());
+}
+
+bool serialDevice::isSame(const QString &name, const QString &otherName)
+{
+    return deviceFile(name) == deviceFile(otherName);
+}

@@ -1,0 +1,37 @@
+#include "serial/serial_device.h"
+
+#include <windows.h>
+
+namespace {
+
+/// Without the prefix that ports from COM10 on are opened with.
+QString bareName(const QString &name)
+{
+    const QString prefix = R"(\\.\)";
+    return name.startsWith(prefix) ? name.mid(prefix.size()) : name;
+}
+
+} // namespace
+
+bool serialDevice::hasInput(const QSerialPort &port)
+{
+    COMSTAT state{};
+    return ::ClearCommError(port.handle(), nullptr, &state) && state.cbInQue > 0;
+}
+
+bool serialDevice::isGone(const QSerialPort &port)
+{
+    // The driver answers as long as there is a device.
+    return !::ClearCommError(port.handle(), nullptr, nullptr);
+}
+
+bool serialDevice::isForbidden(const QString & /*name*/)
+{
+    // Windows says the same of a port that is in use, which is what nearly always is the matter.
+    return false;
+}
+
+bool serialDevice::isSame(const QString &name, const QString &otherName)
+{
+    return bareName(name).compare(bareName(otherName), Qt::CaseInsensitive) == 0;
+}
