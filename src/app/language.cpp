@@ -66,20 +66,28 @@ void Language::load()
         m_settings.set(QVector<iniText::Entry>{{languageKey, {english}}} +
                        defaultsOf(chineseGroup) + defaultsOf(englishGroup));
     else
-        apply(stored);
+        dressAll(stored);
 }
 
 void Language::apply(const QString &language)
 {
     m_settings.refresh();
+    dressAll(language);
+    m_settings.set({{languageKey, {language}}});
+}
+
+void Language::dressAll(const QString &language)
+{
     m_isEnglish = language != chinese;
     m_applied = language;
     QHash<QString, QWidget *> widgets;
     for (auto *widget : m_window.findChildren<QWidget *>())
         widgets.insert(widget->objectName(), widget);
     const QString &group = m_isEnglish ? englishGroup : chineseGroup;
-    // The file may have been deleted meanwhile. A single missing key is the user's choice.
-    if (!m_settings.hasGroup(group))
+    // The file may have been deleted meanwhile. A single missing key is the user's choice. Most files
+    // have the first one, which is found sooner than all groups are listed.
+    const QString firstKey = group + '/' + captions().first().key;
+    if (m_settings.text(firstKey).isEmpty() && !m_settings.hasGroup(group))
         m_settings.set(defaultsOf(group));
     for (const Caption &caption : captions()) {
         const QString text = m_settings.caption(group + '/' + caption.key);
@@ -87,7 +95,6 @@ void Language::apply(const QString &language)
             if (QWidget *widget = widgets.value(name))
                 dress(widget, text);
     }
-    m_settings.set({{languageKey, {language}}});
     translateQt();
 }
 

@@ -49,6 +49,7 @@ public:
     void apply(const QString &language);
 
 private:
+    void dressAll(const QString &language);
     /// Gives Qt's own dialogs the language too, where its texts are installed.
     void translateQt();
 
