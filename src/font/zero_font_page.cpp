@@ -19,8 +19,10 @@ ZeroFontPage::ZeroFontPage(const PageContext &context, const QString &folder, QW
 {
     m_ui->setupUi(this);
     const QSignalBlocker noPreview(m_ui->comboBox); // not yet
+    QStringList characters;
     for (ushort code = 32; code <= 127; ++code)
-        m_ui->comboBox->addItem(QString(QChar(code)));
+        characters.append(QString(QChar(code)));
+    m_ui->comboBox->addItems(characters);
     m_ui->comboBox->setCurrentText("A");
 }
 
