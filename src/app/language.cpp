@@ -84,8 +84,8 @@ void Language::dressAll(const QString &language)
     for (auto *widget : m_window.findChildren<QWidget *>())
         widgets.insert(widget->objectName(), widget);
     const QString &group = m_isEnglish ? englishGroup : chineseGroup;
-    // The file may have been deleted meanwhile. A single missing key is the user's choice. Most files
-    // have the first one, which is found sooner than all groups are listed.
+    // The file may have been deleted meanwhile. A single missing key is the user's choice. Most
+    // files have the first one, which is found sooner than all groups are listed.
     const QString firstKey = group + '/' + captions().first().key;
     if (m_settings.text(firstKey).isEmpty() && !m_settings.hasGroup(group))
         m_settings.set(defaultsOf(group));

@@ -49,6 +49,7 @@ public:
     void apply(const QString &language);
 
 private:
+    /// Gives every widget its text, and the messages and Qt's own dialogs the language.
     void dressAll(const QString &language);
     /// Gives Qt's own dialogs the language too, where its texts are installed.
     void translateQt();

@@ -135,12 +135,12 @@ private slots:
         const QString path = besideTheExecutable("SystemConfig.ini");
         QByteArray edited = content(path);
         edited.replace("resetK7=Reset K7", "resetK7=Reset K7, now");
-        edited.replace("resetSystem=Reset system", "");
+        edited.replace("ZeroFontTab=Creat zero font library", "");
         QVERIFY(replaceFile(path, edited));
         // The entry that is shown already, as a person chooses it.
         chooseTheShownLanguage();
         QCOMPARE(caption("resetK7"), QString("Reset K7, now"));
-        QCOMPARE(caption("resetSystem"), QString());
+        QCOMPARE(caption("ZeroFont"), QString());
         // Without the file the window has its captions, and so has the next one.
         QVERIFY(QFile::remove(path));
         m_dialog->selectLanguage("中文");
