@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing, packaging and running the tool need, where any
-# is missing.
+# is missing; with --windows also those that do the same for Windows.
 set -euo pipefail
 
 packages=(
@@ -9,6 +9,13 @@ packages=(
   dpkg-dev file
   fonts-dejavu-core fonts-wqy-zenhei qttranslations5-l10n
 )
+
+if [ "${1:-}" = --windows ]; then
+  packages+=(
+    g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 nsis unzip zip
+    wine wine64 fonts-wine xvfb xauth
+  )
+fi
 
 missing=()
 for package in "${packages[@]}"; do

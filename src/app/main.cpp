@@ -1,3 +1,4 @@
+#include "app/desktop.h"
 #include "app/screenshots.h"
 #include "app/simulated_dialog.h"
 #include "app/tour.h"
@@ -74,6 +75,7 @@ int takeTour(Dialog &dialog, k7::Simulator &simulator, k7::ScreenWindow *screen,
 
 int main(int argc, char *argv[])
 {
+    prepareDesktop();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const auto application = makeApplication(argc, argv);

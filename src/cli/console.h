@@ -20,6 +20,8 @@ QString decoded(const std::string &word);
 /// Writes `text` at once: all of its characters on a terminal, elsewhere those of the local 8-bit
 /// encoding.
 void print(std::FILE *file, const QString &text);
+/// The platform of Qt that draws text without a display.
+extern const char *const platform;
 /// Whether `file` is a terminal, which knows escape sequences.
 bool isTerminal(std::FILE *file);
 /// Columns of the terminal at stderr; 80 where it does not tell.

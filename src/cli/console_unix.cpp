@@ -3,6 +3,8 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+const char *const console::platform = "offscreen";
+
 std::vector<std::string> console::words(int argc, char *argv[])
 {
     std::vector<std::string> words;

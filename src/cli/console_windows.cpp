@@ -14,6 +14,8 @@ HANDLE handleOf(std::FILE *file)
 
 } // namespace
 
+const char *const console::platform = "windows";
+
 std::vector<std::string> console::words(int /*argc*/, char * /*argv*/[])
 {
     // The words of main() lack all that the system's code page lacks.

@@ -54,7 +54,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[], bool 
 {
     if (!drawsText)
         return std::make_unique<QCoreApplication>(argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORM", console::platform);
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 

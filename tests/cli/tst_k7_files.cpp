@@ -44,6 +44,12 @@ QImage picture(int width, int height, const QColor &color = Qt::red)
     return image;
 }
 
+/// What a program printed, with the same line ends on all systems.
+QString linesOf(QByteArray printed)
+{
+    return QString::fromUtf8(printed.replace("\r\n", "\n"));
+}
+
 } // namespace
 
 /// What the program does with files, run as in a container: without a display and without a locale.
@@ -261,9 +267,8 @@ private:
         program.start(K7, arguments);
         program.waitForFinished(60000);
         const bool isNormal = program.exitStatus() == QProcess::NormalExit;
-        return {isNormal ? program.exitCode() : -1,
-                QString::fromUtf8(program.readAllStandardOutput()),
-                QString::fromUtf8(program.readAllStandardError())};
+        return {isNormal ? program.exitCode() : -1, linesOf(program.readAllStandardOutput()),
+                linesOf(program.readAllStandardError())};
     }
     std::unique_ptr<QTemporaryDir> m_folder;
 };
