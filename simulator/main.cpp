@@ -167,9 +167,9 @@ int main(int argc, char *argv[])
     if (!k7::quitOnStop() ||
         !simulator.start(makeWire(options.uartPort, options.module, k7::Link::Uart2),
                          makeWire(options.ed2Port, options.module, k7::Link::Ed2))) {
-        print(stderr,
-              "k7-simulator: a named port cannot be opened, or none is named and the system "
-              "has no pseudo-terminals left");
+        const QString ports = QStringList{options.uartPort, options.ed2Port}.join(' ').trimmed();
+        print(stderr, ports.isEmpty() ? "k7-simulator: the system has no pseudo-terminals left"
+                                      : "k7-simulator: cannot open " + ports);
         return failed;
     }
     QObject::connect(&simulator, &k7::Simulator::hungUp, application.get(), &QCoreApplication::quit,

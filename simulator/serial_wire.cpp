@@ -8,6 +8,10 @@ SerialWire::SerialWire(const QString &port, int rate, QObject *parent)
     m_port.setBaudRate(rate);
     connect(&m_port, &QSerialPort::readyRead, this,
             [this] { emit received(m_port.readAll(), m_port.baudRate()); });
+    connect(&m_port, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
+        if (error != QSerialPort::NoError && isOpen())
+            emit lost();
+    });
 }
 
 void SerialWire::write(const QByteArray &bytes)

@@ -2,6 +2,8 @@
 
 #include "simulator/direct_wire.h"
 
+#include <memory>
+
 namespace k7 {
 
 namespace {
@@ -46,7 +48,8 @@ void Simulator::prepare(Channel &channel)
 
 bool Simulator::start()
 {
-    return start(Way::Terminals) || start(Way::InProcess);
+    const std::unique_ptr<Wire> terminal(makeTerminal(nullptr));
+    return start(terminal ? Way::Terminals : Way::InProcess);
 }
 
 bool Simulator::start(Way way)
@@ -75,6 +78,7 @@ void Simulator::plugIn(Channel &channel, Wire *wire)
     wire->setParent(this);
     connect(wire, &Wire::received, this,
             [this, &channel](const QByteArray &bytes, int rate) { receive(channel, bytes, rate); });
+    connect(wire, &Wire::lost, this, &Simulator::hangUp);
 }
 
 DirectWire *Simulator::directWire(const QString &portName) const

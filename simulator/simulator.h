@@ -51,11 +51,10 @@ public:
     explicit Simulator(const ModuleSettings &settings = ModuleSettings(),
                        QObject *parent = nullptr);
 
-    /// Opens both links: on pseudo-terminals, or within the process where the system has none.
-    /// Called again it plugs the module in anew: its memory is as it was, its pseudo-terminals are
-    /// others.
+    /// Opens both links: on pseudo-terminals, or within the process on a system without them. False
+    /// when it has none left; nothing is open then. Called again it plugs the module in anew: its
+    /// memory is as it was, its pseudo-terminals are others.
     bool start();
-    /// False when the system has no pseudo-terminals, or none left; nothing is open then.
     bool start(Way way);
     /// Opens wires of the caller's, which it takes over; a null one leaves its link unplugged.
     /// False when one cannot be opened, or there is none.

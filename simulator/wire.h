@@ -29,6 +29,8 @@ public:
 signals:
     /// `bytes` came from the tool, which sent them at `rate` bit/s.
     void received(const QByteArray &bytes, int rate);
+    /// The device behind the wire went away.
+    void lost();
 };
 
 /// One end of a new pair of pseudo-terminals; null on systems without them.

@@ -3,12 +3,17 @@
 # prefix of a Qt 5.15 for MinGW, or its archive; without one it uses VORAII_WINDOWS_QT, or the archive
 # in ../shared/windows. docs/windows.md says where to get a Qt, and how to build on Windows itself.
 set -euo pipefail
+# Names in Chinese are read and packed as what they are.
+export LC_ALL=C.UTF-8
+given=${1:-${VORAII_WINDOWS_QT:-}}
+[ -z "$given" ] || given=$(realpath -e "$given")
 cd "$(dirname "$0")/../.."
 
-qt=${1:-${VORAII_WINDOWS_QT:-$(echo ../shared/windows/qt-5.15*-mingw64.tar.xz)}}
+archives=(../shared/windows/qt-5.15*-mingw64.tar.xz)
+qt=${given:-${archives[0]}}
 if [ ! -e "$qt" ]; then
-  echo "build.sh: no Qt for Windows: give the folder or the archive of one. See docs/windows.md." >&2
-  exit 3
+  echo "build.sh: give the folder or the archive of a Qt for Windows. See docs/windows.md." >&2
+  exit 1
 fi
 scripts/install-packages.sh --windows
 

@@ -9,7 +9,6 @@ function(voraii_resources target description)
   set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
   configure_file(${windows_resources}/program.rc.in ${script} @ONLY)
   target_sources(${target} PRIVATE ${script})
-  # windres knows nothing of the C++ warnings.
   set_source_files_properties(${script} PROPERTIES
     OBJECT_DEPENDS "${windows_resources}/program.manifest;${windows_resources}/voraii-tool.ico")
 endfunction()

@@ -22,7 +22,7 @@ QString decoded(const std::string &word);
 void print(std::FILE *file, const QString &text);
 /// The platform of Qt that draws text without a display.
 extern const char *const platform;
-/// Whether `file` is a terminal, which knows escape sequences.
+/// Whether `file` is a terminal; from then on it understands escape sequences.
 bool isTerminal(std::FILE *file);
 /// Columns of the terminal at stderr; 80 where it does not tell.
 int columns();

@@ -43,7 +43,8 @@ void console::print(std::FILE *file, const QString &text)
     DWORD mode = 0;
     if (::GetConsoleMode(handleOf(file), &mode)) {
         const std::wstring all = text.toStdWString();
-        ::WriteConsoleW(handleOf(file), all.data(), static_cast<DWORD>(all.size()), nullptr,
+        DWORD written = 0;
+        ::WriteConsoleW(handleOf(file), all.data(), static_cast<DWORD>(all.size()), &written,
                         nullptr);
     } else {
         std::fprintf(file, "%s", text.toLocal8Bit().constData());

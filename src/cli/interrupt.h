@@ -6,7 +6,8 @@ namespace interrupt {
 /// From now on they are noticed instead of ending the program at once.
 void watch();
 bool isPending();
-/// Waits until `descriptor` can be read, or has ended. False when it is interrupted before.
+/// Waits until `descriptor` can be read, or has ended; not at all without one, which is below 0.
+/// False when it is interrupted before.
 bool waitForInput(int descriptor);
 
 } // namespace interrupt

@@ -43,8 +43,9 @@ bool interrupt::waitForInput(int descriptor)
 {
     // A pipe cannot be waited for together with anything else.
     constexpr DWORD pause = 20; // in milliseconds
-    const auto input = reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
-    while (!isPending() && !isReadable(input))
+    const auto input =
+        descriptor < 0 ? nullptr : reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
+    while (input && !isPending() && !isReadable(input))
         ::WaitForSingleObject(interrupted, pause);
     return !isPending();
 }

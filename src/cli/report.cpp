@@ -14,8 +14,11 @@ const QString eraseRest = QStringLiteral("\x1b[K"); // of the line, on a termina
 void print(QJsonObject json)
 {
     json.insert("format", 1);
-    // JSON is UTF-8, whatever the local encoding is.
-    std::printf("%s\n", QJsonDocument(json).toJson(QJsonDocument::Compact).constData());
+    const QByteArray line = QJsonDocument(json).toJson(QJsonDocument::Compact) + '\n';
+    // Files and pipes get UTF-8, whatever the local encoding is.
+    if (console::isTerminal(stdout))
+        return console::print(stdout, QString::fromUtf8(line));
+    std::fputs(line, stdout);
     std::fflush(stdout);
 }
 
@@ -24,8 +27,10 @@ void print(QJsonObject json)
 void Report::configure(const Settings &settings)
 {
     m_settings = settings;
-    m_drawsBar = settings.progress == Progress::Bar ||
-                 (settings.progress == Progress::Auto && console::isTerminal(stderr));
+    // Asked in any case, because that makes a terminal understand escape sequences.
+    const bool isTerminal = console::isTerminal(stderr);
+    m_drawsBar =
+        settings.progress == Progress::Bar || (settings.progress == Progress::Auto && isTerminal);
 }
 
 void Report::result(const QJsonObject &json, const QString &text)

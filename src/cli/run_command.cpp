@@ -33,6 +33,9 @@ public:
             if (!interrupt::waitForInput(m_file.handle()))
                 throw Failure{ExitCode::interrupted, "interrupted", {}};
             const QByteArray bytes = m_file.read(4096);
+            // A terminal may end a read when it is interrupted.
+            if (bytes.isEmpty() && interrupt::isPending())
+                throw Failure{ExitCode::interrupted, "interrupted", {}};
             if (bytes.isEmpty() && m_pending.isEmpty())
                 return std::nullopt;
             m_pending += bytes.isEmpty() ? QByteArray("\n") : bytes;

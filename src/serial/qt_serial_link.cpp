@@ -45,7 +45,7 @@ void QtSerialLink::close()
     if (!m_port.isOpen())
         return;
     // Closing drops what Qt has not yet handed to the driver.
-    m_port.flush();
+    serialDevice::handToDriver(m_port);
     m_port.close();
 }
 
@@ -65,10 +65,9 @@ void QtSerialLink::poll()
 
 void QtSerialLink::onError(QSerialPort::SerialPortError error)
 {
-    const bool isTransferError = error == QSerialPort::ResourceError ||
-                                 error == QSerialPort::ReadError ||
-                                 error == QSerialPort::WriteError;
-    if (!isTransferError || !m_port.isOpen())
+    // Which error a device that goes away gives depends on the system and its driver.
+    const bool isError = error != QSerialPort::NoError && error != QSerialPort::TimeoutError;
+    if (!isError || !m_port.isOpen())
         return;
     if (!serialDevice::isGone(m_port)) {
         // A read that finds nothing, because poll() came first, is reported as an error, too, and

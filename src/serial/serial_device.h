@@ -11,6 +11,9 @@ namespace serialDevice {
 bool hasInput(const QSerialPort &port);
 /// Whether the device of the open port went away.
 bool isGone(const QSerialPort &port);
+/// Hands what was written to the open port to the driver, which sends it even if the port is closed
+/// then. Takes no longer than the line needs for it.
+void handToDriver(QSerialPort &port);
 /// Whether the user may not use the device that is called `name`.
 bool isForbidden(const QString &name);
 /// Whether both names lead to one device.

@@ -29,6 +29,11 @@ bool serialDevice::isGone(const QSerialPort &port)
     return isInState(port.handle(), POLLHUP | POLLERR | POLLNVAL);
 }
 
+void serialDevice::handToDriver(QSerialPort &port)
+{
+    port.flush();
+}
+
 bool serialDevice::isForbidden(const QString &name)
 {
     const QFileInfo file = deviceFile(name);

@@ -1,5 +1,7 @@
 #include "serial/serial_device.h"
 
+#include <QElapsedTimer>
+
 #include <windows.h>
 
 namespace {
@@ -23,6 +25,19 @@ bool serialDevice::isGone(const QSerialPort &port)
 {
     // The driver answers as long as there is a device.
     return !::ClearCommError(port.handle(), nullptr, nullptr);
+}
+
+void serialDevice::handToDriver(QSerialPort &port)
+{
+    // Writing goes on in the background, and closing the port cancels it.
+    constexpr qint64 bitsPerByte = 10;
+    constexpr qint64 margin = 100; // in milliseconds
+    const qint64 time = port.bytesToWrite() * bitsPerByte * 1000 / qMax(port.baudRate(), 1);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    port.flush();
+    while (port.bytesToWrite() > 0 && elapsed.elapsed() < time + margin)
+        port.waitForBytesWritten(static_cast<int>(margin));
 }
 
 bool serialDevice::isForbidden(const QString & /*name*/)

@@ -76,9 +76,13 @@ private slots:
         QCOMPARE(program.readLine(), "UART2 " + tool.path().toLatin1() + '\n');
         tool.write(QByteArray::fromHex("5AA50483000F01"));
         COMPARE_SOON(received.toHex(), QByteArray("5aa50683000f014521"));
-        program.terminate();
+        tool.hangUp();
         QVERIFY(program.waitForFinished());
-        QCOMPARE(runUntilReady({"--ed2-port", "/dev/no-such-port"}).exitCode, -1);
+        QCOMPARE(program.exitCode(), 0);
+        program.start(K7_SIMULATOR, {"--ed2-port", "/dev/no-such-port"});
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.readAllStandardError(),
+                 QByteArray("k7-simulator: cannot open /dev/no-such-port\n"));
     }
 
     void dumpsItsMemoryWhenItIsTerminated()
