@@ -12,7 +12,7 @@ packages=(
 
 if [ "${1:-}" = --windows ]; then
   packages+=(
-    g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 nsis unzip zip
+    g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 nsis unzip
     wine wine64 fonts-wine xvfb xauth
   )
 fi

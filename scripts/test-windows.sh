@@ -45,6 +45,8 @@ user=()
 if [ "$(id -u)" -eq 0 ]; then
   user=(setpriv --reuid=nobody --regid=nogroup --clear-groups)
   chown nobody:nogroup "$home"
+  # Only root can make the folder in which their screens are found.
+  mkdir -p -m 1777 /tmp/.X11-unix
 fi
 run() {
   # What wine says about the root of the file system is not for us.
