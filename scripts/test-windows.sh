@@ -174,6 +174,7 @@ echo "Windows packages: the zip, the installer and the ports passed."
 # --- The tests; the tour has been taken
 
 export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all
+mkdir -p "$WINEPREFIX"
 # A server that stays saves every test the start of one, and the wait for its end.
 wineserver -p
 WINEARCH=win64 wineboot -i >/dev/null 2>&1
