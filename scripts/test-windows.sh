@@ -61,7 +61,6 @@ on_screen() {
 umask 022
 run wineboot -i >/dev/null 2>&1
 profile=$(find "$prefix/drive_c/users" -mindepth 1 -maxdepth 1 ! -name Public)
-programs="C:\\users\\${profile##*/}\\AppData\\Local\\Programs\\VORAII_Tool"
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 archive=$build/voraii-tool-$version-windows-x86_64.zip
 installer=$work/installer.exe
@@ -140,7 +139,8 @@ on_screen "$installed/VORAII_Tool.exe" --simulate --tour "Z:$home/tour"
 unset WINETEMP WINETMP
 [ -s "$installed/SystemConfig.ini" ] || fail "the settings are not beside the tool"
 key='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\VORAII_Tool'
-run wine reg query "$key" /v QuietUninstallString | grep -q uninstall.exe || fail "Windows does not know of the uninstaller"
+said=$(run wine reg query "$key" /v QuietUninstallString)
+grep -qF uninstall.exe <<<"$said" || fail "Windows does not know of the uninstaller"
 # It goes on as a copy of itself, which takes its own file away last.
 on_screen "$installed/uninstall.exe" /S
 for _ in {1..100}; do

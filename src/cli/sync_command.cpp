@@ -42,12 +42,7 @@ void addSync(CLI::App &app, Cli &cli)
     command->add_option("FOLDER", given->folder, "The current one if not given");
     command->add_option("--size", given->size, "Of the screen, to which pictures are converted")
         ->type_name("WxH");
-    auto *dryRun = command->add_flag("-n,--dry-run", given->choice.dryRun,
-                                     "Only tell what would be sent; exit code 1 if anything");
-    command->add_flag("--all", given->choice.all, "Send everything, also what is equal")
-        ->excludes(dryRun);
-    command->add_flag("--no-verify", given->choice.noVerify, "Do not check what was sent")
-        ->excludes(dryRun);
+    given->choice.addOptions(*command);
     command->add_option("--only", given->glob, "Only files whose name matches")->type_name("GLOB");
     command->callback(
         [&cli, given] { cli.setCommand([&cli, given] { return sync(cli, *given); }); });

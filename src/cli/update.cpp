@@ -2,6 +2,8 @@
 
 #include "cli/transfer.h"
 
+#include <CLI/CLI.hpp>
+
 #include <QJsonArray>
 
 #include <algorithm>
@@ -45,6 +47,14 @@ QString placeText(const ProjectFile &file, const QVector<int> &blocks)
 }
 
 } // namespace
+
+void Update::Choice::addOptions(CLI::App &command)
+{
+    auto *dryRunOption = command.add_flag("-n,--dry-run", dryRun,
+                                          "Only tell what would be sent; exit code 1 if anything");
+    command.add_flag("--all", all, "Send everything, also what is equal")->excludes(dryRunOption);
+    command.add_flag("--no-verify", noVerify, "Do not check what was sent")->excludes(dryRunOption);
+}
 
 Update::Update(Cli &cli, const QVector<ProjectFile> &files, const Choice &choice)
     : m_cli(cli), m_choice(choice)

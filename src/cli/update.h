@@ -14,6 +14,9 @@ public:
         bool all = false;      ///< also what the module holds already
         bool dryRun = false;   ///< only tell what would be sent
         bool noVerify = false; ///< do not check what was sent
+
+        /// Adds the options that set it, which must outlive `command`.
+        void addOptions(CLI::App &command);
     };
 
     Update(Cli &cli, const QVector<ProjectFile> &files, const Choice &choice);
