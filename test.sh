@@ -11,5 +11,5 @@ find src simulator tests bench fuzz -name '*.cpp' -o -name '*.h' | xargs clang-f
 for preset in asan debug; do
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"
-  ctest --preset "$preset"
+  ctest --preset "$preset" --parallel "$(nproc)"
 done

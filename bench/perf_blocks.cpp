@@ -49,7 +49,7 @@ Arrivals download(BlockDownload &(*step)(Downloads &), const BlockDownload::Kind
                          if (isHandshake)
                              terminal.write("OK");
                      });
-    step(downloads).start(QVector<BlockDownload::Block>(5, {1, "block"}));
+    step(downloads).start(QVector<BlockDownload::Block>(5, {1, "block"}), endTick);
     QCoreApplication::exec();
     return arrivals;
 }

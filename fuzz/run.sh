@@ -4,8 +4,7 @@
 # What they find interesting is added to build/fuzz/corpus; fuzz/corpus is where they begin.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz
+fuzz/build.sh
 fuzzers=("${@:2}")
 [ ${#fuzzers[@]} -gt 0 ] || fuzzers=($(basename -s .cpp fuzz/fuzz_*.cpp))
 for name in "${fuzzers[@]}"; do

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing, packaging and running the tool need, where any
-# is missing; with --windows also those that do the same for Windows.
+# is missing; with --windows also those that do the same for Windows, with --fuzz those of the fuzzers.
 set -euo pipefail
 
 packages=(
@@ -15,6 +15,10 @@ if [ "${1:-}" = --windows ]; then
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 nsis unzip
     wine wine64 fonts-wine xvfb xauth
   )
+fi
+
+if [ "${1:-}" = --fuzz ]; then
+  packages+=(clang libclang-rt-14-dev)
 fi
 
 missing=()

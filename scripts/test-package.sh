@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh
 
-build=build/package
+build=build/release
 work=$(mktemp -d)
 root=$work/root
 home=$work/home
@@ -34,8 +34,8 @@ has() {
 
 # --- Build
 
-cmake --preset package >/dev/null
-cmake --build --preset package
+cmake --preset release >/dev/null
+cmake --build --preset release
 # Packages of other versions would be taken for the new ones.
 rm -f $build/*.deb $build/*.tar.gz
 (cd $build && cpack)

@@ -13,8 +13,8 @@ if [ $# -eq 0 ] && [ -z "${VORAII_WINDOWS_QT:-}" ] &&
 fi
 packaging/windows/build.sh "$@"
 # The module that a port leads to.
-cmake --preset package >/dev/null
-cmake --build --preset package --target k7-simulator
+cmake --preset release >/dev/null
+cmake --build --preset release --target k7-simulator
 
 build=$PWD/build/windows
 work=$(mktemp -d)
@@ -51,7 +51,7 @@ fi
 run() {
   # What wine says about the root of the file system is not for us.
   (cd "$home" && "${user[@]}" env -u DISPLAY LC_ALL=C.UTF-8 HOME="$home" WINEPREFIX="$prefix" WINEARCH=win64 WINEDEBUG=-all \
-    timeout 300 "$@" 2> >(grep -v 'FS volume label' >&2)) | tr -d '\r'
+    timeout 900 "$@" 2> >(grep -v 'FS volume label' >&2)) | tr -d '\r'
 }
 # The same on a screen of its own, with the windows that users see.
 on_screen() {
@@ -60,6 +60,11 @@ on_screen() {
 
 umask 022
 run wineboot -i >/dev/null 2>&1
+# The font that the zero font begins with, and that Chinese Windows has.
+for name in SimSun 宋体; do
+  run wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$name" /d 'WenQuanYi Zen Hei' /f >/dev/null
+done
+run wineserver -k || true
 profile=$(find "$prefix/drive_c/users" -mindepth 1 -maxdepth 1 ! -name Public)
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 archive=$build/voraii-tool-$version-windows-x86_64.zip
@@ -143,7 +148,7 @@ said=$(run wine reg query "$key" /v QuietUninstallString)
 grep -qF uninstall.exe <<<"$said" || fail "Windows does not know of the uninstaller"
 # It goes on as a copy of itself, which takes its own file away last.
 on_screen "$installed/uninstall.exe" /S
-for _ in {1..100}; do
+for _ in {1..1800}; do
   [ -e "$installed/uninstall.exe" ] || break
   sleep 0.1
 done
@@ -154,7 +159,7 @@ left=$(cd "$installed" && find . -mindepth 1 | LC_ALL=C sort | xargs)
 
 # --- Ports. Those of wine send, and do not tell that bytes arrived.
 
-build/package/simulator/k7-simulator >"$work/trace" &
+build/release/simulator/k7-simulator >"$work/trace" &
 simulator=$!
 until grep -q '^ED2' "$work/trace"; do
   kill -0 "$simulator" || fail "no module"
@@ -178,4 +183,4 @@ mkdir -p "$WINEPREFIX"
 # A server that stays saves every test the start of one, and the wait for its end.
 wineserver -p
 WINEARCH=win64 wineboot -i >/dev/null 2>&1
-ctest --preset windows -E '^tour$'
+ctest --preset windows -E '^tour$' --parallel "$(nproc)"

@@ -1,5 +1,6 @@
 #include "simulator/direct_link.h"
 
+#include "simulator/shared_time.h"
 #include "simulator/simulator.h"
 
 namespace k7 {
@@ -63,6 +64,16 @@ void DirectLink::onHungUp()
 {
     close();
     QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
+}
+
+Links directLinks(const Simulator &simulator)
+{
+    return {std::make_unique<DirectLink>(simulator), std::make_unique<DirectLink>(simulator)};
+}
+
+TimeSource timeOf(const SharedTime &time)
+{
+    return {[&time] { return time.nanoseconds(); }, time.turn()};
 }
 
 } // namespace k7

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serial/serial_link.h"
+#include "engine/links.h"
 #include "simulator/direct_wire.h"
 
 #include <QPointer>
@@ -9,6 +9,7 @@
 
 namespace k7 {
 
+class SharedTime;
 class Simulator;
 
 /// The tool's end of a link to a simulated module in the same process. Its ports are those of
@@ -42,5 +43,10 @@ private:
     QByteArray m_input;
     OpenFailure m_openFailure = OpenFailure::NoSuchPort;
 };
+
+/// Links to both ports of `simulator`.
+Links directLinks(const Simulator &simulator);
+/// What the tool beside a module with the time `time` has its own from.
+TimeSource timeOf(const SharedTime &time);
 
 } // namespace k7

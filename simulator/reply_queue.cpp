@@ -4,49 +4,31 @@ namespace k7 {
 
 namespace {
 
-/// Milliseconds between pieces: long enough for the tool to read them one by one.
-constexpr int pieceGap = 2;
+/// Nanoseconds between pieces: long enough for the tool to read them one by one.
+constexpr qint64 pieceGap = 2'000'000;
 
 } // namespace
 
-ReplyQueue::ReplyQueue(QObject *parent) : QObject(parent)
-{
-    m_timer.setSingleShot(true);
-    m_timer.setTimerType(Qt::PreciseTimer);
-    connect(&m_timer, &QTimer::timeout, this, &ReplyQueue::sendFirst);
-}
-
-void ReplyQueue::enqueue(const QByteArray &reply, int delay, int pieceBytes)
+void ReplyQueue::enqueue(const QByteArray &reply, qint64 delay, int pieceBytes, qint64 now)
 {
     const int step = pieceBytes > 0 ? pieceBytes : qMax(1, reply.size());
-    int wait = qMax(0, delay);
+    qint64 wait = qMax<qint64>(0, delay);
+    if (m_pieces.isEmpty())
+        m_due = now + wait;
     for (QByteArray rest = reply; !rest.isEmpty(); rest.remove(0, step)) {
         m_pieces.enqueue({rest.left(step), wait});
         wait = pieceGap;
     }
-    startNext();
 }
 
-void ReplyQueue::clear()
+QByteArray ReplyQueue::takeDue(qint64 now)
 {
-    m_timer.stop();
-    m_pieces.clear();
-}
-
-void ReplyQueue::startNext()
-{
-    if (m_pieces.isEmpty() || m_timer.isActive())
-        return;
-    if (m_pieces.head().delay == 0)
-        sendFirst();
-    else
-        m_timer.start(m_pieces.head().delay);
-}
-
-void ReplyQueue::sendFirst()
-{
-    emit due(m_pieces.dequeue().bytes);
-    startNext();
+    if (m_pieces.isEmpty() || now < m_due)
+        return {};
+    const QByteArray bytes = m_pieces.dequeue().bytes;
+    if (!m_pieces.isEmpty())
+        m_due = now + m_pieces.head().delay;
+    return bytes;
 }
 
 } // namespace k7

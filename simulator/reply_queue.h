@@ -1,43 +1,34 @@
 #pragma once
 
 #include <QByteArray>
-#include <QObject>
 #include <QQueue>
-#include <QTimer>
 
 namespace k7 {
 
-/// Hands replies out one after the other, late and in pieces if wanted.
-class ReplyQueue : public QObject
+/// Hands replies out one after the other, late and in pieces if wanted. It is told the time, in
+/// nanoseconds of any clock that does not run back.
+class ReplyQueue
 {
-    Q_OBJECT
-
 public:
-    explicit ReplyQueue(QObject *parent = nullptr);
-
-    /// Queues `reply` behind all earlier ones. It starts `delay` milliseconds after the one before
+    /// Queues `reply` behind all earlier ones. It starts `delay` nanoseconds after the one before
     /// it has gone out, and comes in pieces of `pieceBytes` bytes a few milliseconds apart; 0 or
     /// less means at once, and in one piece.
-    void enqueue(const QByteArray &reply, int delay, int pieceBytes);
+    void enqueue(const QByteArray &reply, qint64 delay, int pieceBytes, qint64 now);
+    /// The next piece; empty while none is due at `now`.
+    QByteArray takeDue(qint64 now);
+    bool isEmpty() const { return m_pieces.isEmpty(); }
     /// Drops everything that has not gone out.
-    void clear();
-
-signals:
-    /// The next bytes for the tool; from within enqueue() when nothing delays them.
-    void due(const QByteArray &bytes);
+    void clear() { m_pieces.clear(); }
 
 private:
     struct Piece
     {
         QByteArray bytes;
-        int delay; // milliseconds
+        qint64 delay; ///< behind the piece before it
     };
 
-    void startNext();
-    void sendFirst();
-
     QQueue<Piece> m_pieces;
-    QTimer m_timer;
+    qint64 m_due = 0; ///< when the first of them goes out
 };
 
 } // namespace k7

@@ -22,28 +22,20 @@ Wire *makeWire(Link link, Way way, QObject *parent)
 
 } // namespace
 
-Simulator::Simulator(const ModuleSettings &settings, QObject *parent)
+Simulator::Simulator(const ModuleSettings &settings, const SharedTime *time, QObject *parent)
     : QObject(parent)
     , m_module(settings)
     , m_uart{Link::Uart2, LineQueue(settings.rate(Link::Uart2)), settings.rate(Link::Uart2)}
     , m_ed2{Link::Ed2, LineQueue(settings.rate(Link::Ed2)), settings.rate(Link::Ed2)}
+    , m_time(time)
 {
     m_module.setTrace([this](const QString &line) { emit traced(line); });
     m_module.setScreenChanged([this] { emit screenChanged(); });
-    prepare(m_uart);
-    prepare(m_ed2);
     m_clock.start();
-}
-
-void Simulator::prepare(Channel &channel)
-{
-    connect(&channel.replies, &ReplyQueue::due, this, [&channel](const QByteArray &bytes) {
-        if (channel.wire)
-            channel.wire->write(bytes);
-    });
-    channel.lineTimer.setSingleShot(true);
-    channel.lineTimer.setTimerType(Qt::PreciseTimer);
-    connect(&channel.lineTimer, &QTimer::timeout, this, [this, &channel] { onLineTimer(channel); });
+    m_turns.setSingleShot(true);
+    m_turns.setInterval(m_time ? m_time->turn() : 1);
+    m_turns.setTimerType(Qt::PreciseTimer);
+    connect(&m_turns, &QTimer::timeout, this, &Simulator::onTurn);
 }
 
 bool Simulator::start()
@@ -113,12 +105,11 @@ void Simulator::receive(Channel &channel, const QByteArray &bytes, int rate)
     m_receivedBytes += taken.size();
 
     if (hears(channel, rate)) {
-        if (m_behaviour.realTime || !channel.line.isEmpty()) {
-            channel.line.send(taken, m_clock.nsecsElapsed());
-            deliverArrived(channel);
-        } else {
-            deliver(channel, taken, m_clock.nsecsElapsed());
-        }
+        if (m_behaviour.realTime || !channel.line.isEmpty())
+            channel.line.send(taken, now());
+        else
+            deliver(channel, taken, now());
+        look();
     }
     if (mayHangUp && m_receivedBytes >= m_behaviour.hangUpAfter)
         hangUp();
@@ -136,41 +127,54 @@ bool Simulator::hears(Channel &channel, int rate)
     return rate == own;
 }
 
-void Simulator::onLineTimer(Channel &channel)
+void Simulator::onTurn()
 {
-    channel.lag = qMax(channel.lag, m_clock.nsecsElapsed() - channel.lineTimerDue);
-    deliverArrived(channel);
+    m_lag = qMax(m_lag, now() - m_turnDue);
+    look();
+}
+
+void Simulator::look()
+{
+    bool isOnTheLine = false;
+    bool isWaiting = false;
+    for (Channel *channel : {&m_uart, &m_ed2}) {
+        deliverArrived(*channel);
+        for (QByteArray due; !(due = channel->replies.takeDue(now())).isEmpty();)
+            if (channel->wire)
+                channel->wire->write(due);
+        isOnTheLine = isOnTheLine || !channel->line.isEmpty();
+        isWaiting = isWaiting || !channel->replies.isEmpty();
+    }
+    if (!isOnTheLine)
+        m_lag = 0;
+    // What is on its way is looked for every millisecond; empty lines wake nobody.
+    if ((isOnTheLine || isWaiting) && !m_turns.isActive()) {
+        m_turnDue = now() + nanosecondsPerMillisecond;
+        m_turns.start();
+    }
 }
 
 void Simulator::deliverArrived(Channel &channel)
 {
     // A real module does not wait for a busy computer. This one reads late, looks late, and its
     // reply is read late; so bytes are taken as much earlier as the event loop has been late.
-    const qint64 now = m_clock.nsecsElapsed();
     const QByteArray arrived =
-        channel.line.takeArrived(now + nanosecondsPerMillisecond + 3 * channel.lag);
-    // Bytes in flight are looked for every millisecond; an empty line wakes nobody.
-    if (channel.line.isEmpty()) {
-        channel.lag = 0;
-    } else if (!channel.lineTimer.isActive()) {
-        channel.lineTimerDue = now + nanosecondsPerMillisecond;
-        channel.lineTimer.start(1);
-    }
+        channel.line.takeArrived(now() + nanosecondsPerMillisecond + 3 * m_lag);
     if (!arrived.isEmpty())
         deliver(channel, arrived, channel.line.lastArrival());
 }
 
 void Simulator::deliver(Channel &channel, const QByteArray &bytes, qint64 arrival)
 {
-    const qint64 now = arrival / nanosecondsPerMillisecond;
-    for (const QByteArray &reply : m_module.receive(channel.link, bytes, now)) {
+    for (const QByteArray &reply :
+         m_module.receive(channel.link, bytes, arrival / nanosecondsPerMillisecond)) {
         if (m_behaviour.silent)
             continue;
         const QByteArray sent = noise() + reply;
         const qint64 onTheLine =
             m_behaviour.realTime ? channel.line.timeOf(sent.size()) / nanosecondsPerMillisecond : 0;
-        channel.replies.enqueue(sent, m_behaviour.delay + static_cast<int>(onTheLine),
-                                m_behaviour.split);
+        channel.replies.enqueue(sent, (m_behaviour.delay + onTheLine) * nanosecondsPerMillisecond,
+                                m_behaviour.split, now());
     }
 }
 
@@ -194,7 +198,6 @@ void Simulator::unplug()
     for (Channel *channel : {&m_uart, &m_ed2}) {
         channel->replies.clear();
         channel->line.clear();
-        channel->lineTimer.stop();
         if (!channel->wire)
             continue;
         channel->wire->hangUp();

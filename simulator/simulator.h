@@ -3,9 +3,7 @@
 #include "simulator/line_queue.h"
 #include "simulator/module.h"
 #include "simulator/reply_queue.h"
-
-#include <QElapsedTimer>
-#include <QTimer>
+#include "simulator/shared_time.h"
 
 namespace k7 {
 
@@ -48,8 +46,9 @@ class Simulator : public QObject
     Q_OBJECT
 
 public:
+    /// Without a `time` that it shares with the tool, its time is that of the system.
     explicit Simulator(const ModuleSettings &settings = ModuleSettings(),
-                       QObject *parent = nullptr);
+                       const SharedTime *time = nullptr, QObject *parent = nullptr);
 
     /// Opens both links: on pseudo-terminals, or within the process on a system without them. False
     /// when it has none left; nothing is open then. Called again it plugs the module in anew: its
@@ -90,16 +89,15 @@ private:
         int heardRate; ///< of the last bytes
         Wire *wire = nullptr;
         ReplyQueue replies{};
-        QTimer lineTimer{};
-        qint64 lineTimerDue = 0; ///< nanoseconds of the clock
-        qint64 lag = 0;          ///< how late it has been since the line was empty, at most
     };
 
-    void prepare(Channel &channel);
     void plugIn(Channel &channel, Wire *wire);
     void receive(Channel &channel, const QByteArray &bytes, int rate);
     bool hears(Channel &channel, int rate);
-    void onLineTimer(Channel &channel);
+    qint64 now() const { return m_time ? m_time->nanoseconds() : m_clock.nsecsElapsed(); }
+    void onTurn();
+    /// Takes in what has come to the end of the lines, and sends what is due.
+    void look();
     void deliverArrived(Channel &channel);
     void deliver(Channel &channel, const QByteArray &bytes, qint64 arrival);
     void unplug();
@@ -111,7 +109,11 @@ private:
     Channel m_uart;
     Channel m_ed2;
     qint64 m_receivedBytes = 0;
-    QElapsedTimer m_clock;
+    const SharedTime *const m_time;
+    QElapsedTimer m_clock; ///< where there is none
+    QTimer m_turns;        ///< while anything is on its way
+    qint64 m_turnDue = 0;
+    qint64 m_lag = 0; ///< how late they were while bytes have been on a line, at most
 };
 
 } // namespace k7

@@ -13,7 +13,6 @@
 #include "ico/ico_generator_page.h"
 #include "ico/ico_preview_page.h"
 #include "imaging/image_conversion_page.h"
-#include "serial/qt_serial_link.h"
 #include "serial/system_ports.h"
 
 #include <QComboBox>
@@ -36,23 +35,13 @@ QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QStrin
     return inner;
 }
 
-/// Ports of this computer; each knows of the other, which may hold the port that it wants.
-Dialog::Links realLinks()
-{
-    auto uart = std::make_unique<QtSerialLink>();
-    auto ed2 = std::make_unique<QtSerialLink>();
-    uart->setPeer(*ed2);
-    ed2->setPeer(*uart);
-    return {std::move(uart), std::move(ed2)};
-}
-
 /// What the users of the window know: only the first acknowledgement of a download is awaited, and
 /// an OS download tells its outcome before it is final. That is wanted.
 constexpr StepPolicy windowPolicy{false, false};
 
 } // namespace
 
-Dialog::Dialog(QWidget *parent) : Dialog(realLinks(), parent) {}
+Dialog::Dialog(QWidget *parent) : Dialog(Links::ofTheSystem(), parent) {}
 
 Dialog::Dialog(Links links, QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint)
@@ -62,7 +51,7 @@ Dialog::Dialog(Links links, QWidget *parent)
     , m_notices(this, m_language.isEnglish())
     , m_fileDialogs(this)
     , m_links(std::move(links))
-    , m_engine(*m_links.uart, *m_links.ed2, m_notices, windowPolicy)
+    , m_engine(*m_links.uart, *m_links.ed2, m_notices, windowPolicy, m_links.time)
 {
     setWindowTitle("VORAII_Tool1.0.0.3");
     setFixedSize(1017, 645);

@@ -7,6 +7,7 @@
 #include "common/tool_settings.h"
 #include "download/downloads.h"
 #include "engine/engine.h"
+#include "engine/links.h"
 #include "font/my_thread.h"
 #include "font/stepwise_zero_font.h"
 #include "ico/ico_manager.h"
@@ -29,13 +30,6 @@ class Dialog : public QDialog
     Q_OBJECT
 
 public:
-    /// The two links, which a window without a port of this computer brings along.
-    struct Links
-    {
-        std::unique_ptr<SerialLink> uart;
-        std::unique_ptr<SerialLink> ed2;
-    };
-
     /// Works on the ports of this computer.
     explicit Dialog(QWidget *parent = nullptr);
     explicit Dialog(Links links, QWidget *parent = nullptr);

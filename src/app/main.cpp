@@ -2,6 +2,7 @@
 #include "app/screenshots.h"
 #include "app/simulated_dialog.h"
 #include "app/tour.h"
+#include "common/qt_remarks.h"
 #include "serial/system_ports.h"
 #include "simulator/screen_window.h"
 
@@ -27,14 +28,21 @@ std::unique_ptr<QCoreApplication> makeApplication(int &argc, char *argv[])
     return std::make_unique<QApplication>(argc, argv);
 }
 
-/// Starts `simulator`, as slow as a real module, and opens a window that can reach it.
-std::unique_ptr<Dialog> startedDialog(k7::Simulator &simulator)
+/// A module as slow as a real one, and the time that the window shares with it.
+struct Simulation
+{
+    k7::SharedTime time{k7::SharedTime::Pace::OfTheSystem};
+    k7::Simulator module{k7::ModuleSettings(), &time};
+};
+
+/// Starts the module, and opens a window that can reach it.
+std::unique_ptr<Dialog> startedDialog(Simulation &simulation)
 {
     k7::Behaviour behaviour;
     behaviour.realTime = true;
-    simulator.setBehaviour(behaviour);
-    simulator.start();
-    return simulatedDialog(simulator);
+    simulation.module.setBehaviour(behaviour);
+    simulation.module.start();
+    return simulatedDialog(simulation.module, simulation.time);
 }
 
 /// Shows `screen` beside `dialog` where the desktop has room for both, else wherever it comes to
@@ -56,19 +64,26 @@ void showBeside(k7::ScreenWindow &screen, Dialog &dialog)
 }
 
 /// The exit status of the tour.
-int takeTour(Dialog &dialog, k7::Simulator &simulator, k7::ScreenWindow *screen,
+int takeTour(Dialog &dialog, Simulation *simulation, k7::ScreenWindow *screen,
              const QString &folder)
 {
-    if (!screen) {
+    if (!simulation) {
         std::fputs("The tour needs --simulate.\n", stderr);
         return 2;
     }
-    const bool allHeld = runTour(dialog, simulator, *screen, folder, [](const QString &line) {
+    const auto tell = [](const QString &line) {
         std::puts(qPrintable(line));
         std::fflush(stdout);
-    });
-    std::puts(allHeld ? "All comparisons held." : "Some comparisons did not hold.");
-    return allHeld ? 0 : 1;
+    };
+    const TourResult result =
+        runTour(dialog, simulation->module, simulation->time, *screen, folder, tell);
+    tell(QString(QDir(folder).exists()
+                     ? "%1 of %2 comparisons held. The pictures are in %3."
+                     : "%1 of %2 comparisons held. The folder %3 could not be made.")
+             .arg(result.held)
+             .arg(result.all)
+             .arg(QDir::toNativeSeparators(folder)));
+    return result.held == result.all ? 0 : 1;
 }
 
 } // namespace
@@ -76,6 +91,7 @@ int takeTour(Dialog &dialog, k7::Simulator &simulator, k7::ScreenWindow *screen,
 int main(int argc, char *argv[])
 {
     prepareDesktop();
+    hideQtRemarks();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const auto application = makeApplication(argc, argv);
@@ -110,17 +126,17 @@ int main(int argc, char *argv[])
     // plugin that reads SVG may not be installed.
     QApplication::setDesktopFileName("voraii-tool");
     QApplication::setWindowIcon(QIcon(":/voraii-tool.png"));
-    k7::Simulator simulator;
     const bool isAlone = parser.isSet(simulateAlone) && systemPorts().isEmpty();
     const bool isSimulated = parser.isSet(simulate) || isAlone;
-    const auto window = isSimulated ? startedDialog(simulator) : std::make_unique<Dialog>();
+    const auto simulation = isSimulated ? std::make_unique<Simulation>() : nullptr;
+    const auto window = simulation ? startedDialog(*simulation) : std::make_unique<Dialog>();
     Dialog &dialog = *window;
     dialog.setDefaultFolder(QStandardPaths::writableLocation(QStandardPaths::DesktopLocation) +
                             "/ZOLT_SET");
     dialog.setResolutionText("480X272");
     dialog.offerPorts(parser.values(port));
-    if (isSimulated)
-        useModule(dialog, simulator);
+    if (simulation)
+        useModule(dialog, simulation->module);
     dialog.selectLanguage(parser.value(language));
     dialog.show();
     if (parser.isSet(screenshots)) {
@@ -130,11 +146,11 @@ int main(int argc, char *argv[])
         return 1;
     }
     std::unique_ptr<k7::ScreenWindow> screen;
-    if (isSimulated) {
-        screen = std::make_unique<k7::ScreenWindow>(simulator);
+    if (simulation) {
+        screen = std::make_unique<k7::ScreenWindow>(simulation->module);
         showBeside(*screen, dialog);
     }
     if (parser.isSet(tour))
-        return takeTour(dialog, simulator, screen.get(), parser.value(tour));
+        return takeTour(dialog, simulation.get(), screen.get(), parser.value(tour));
     return QApplication::exec();
 }

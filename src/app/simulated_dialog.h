@@ -7,13 +7,14 @@
 #include <memory>
 
 /// A window that can open the ports of the module `simulator`, which has been started: devices of
-/// the system, or links within the process where there are none.
-inline std::unique_ptr<Dialog> simulatedDialog(const k7::Simulator &simulator)
+/// the system, or links within the process where there are none. Both have their time from `time`.
+inline std::unique_ptr<Dialog> simulatedDialog(const k7::Simulator &simulator,
+                                               const k7::SharedTime &time)
 {
-    if (!simulator.directWire(simulator.uartPath()))
-        return std::make_unique<Dialog>();
-    return std::make_unique<Dialog>(Dialog::Links{std::make_unique<k7::DirectLink>(simulator),
-                                                  std::make_unique<k7::DirectLink>(simulator)});
+    const bool isDirect = simulator.directWire(simulator.uartPath()) != nullptr;
+    Links links = isDirect ? k7::directLinks(simulator) : Links::ofTheSystem();
+    links.time = k7::timeOf(time);
+    return std::make_unique<Dialog>(std::move(links));
 }
 
 /// Offers the ports of the module in `dialog`, and uses them.

@@ -12,26 +12,28 @@ bool save(QWidget &window, const QDir &folder, const char *name)
 
 } // namespace
 
-bool runTour(Dialog &dialog, k7::Simulator &simulator, k7::ScreenWindow &screen, const QDir &folder,
-             const std::function<void(const QString &line)> &report)
+TourResult runTour(Dialog &dialog, k7::Simulator &simulator, const k7::SharedTime &time,
+                   k7::ScreenWindow &screen, const QDir &folder,
+                   const std::function<void(const QString &line)> &report)
 {
-    TourPerson person(dialog, simulator);
+    const QVector<TourStop> stops = deviceStops() + downloadStops() + fileStops();
+    TourResult result{0, stops.size()};
+    TourPerson person(dialog, simulator, time);
     if (!person.isReady() || !folder.mkpath("."))
-        return false;
+        return result;
     const QString before = dialog.language();
     dialog.applyLanguage(Language::english);
-    bool allHeld = true;
-    for (const TourStop &stop : deviceStops() + downloadStops() + fileStops()) {
+    for (const TourStop &stop : stops) {
         if (stop.page)
             person.show(stop.page);
-        const bool held = stop.run(person);
+        const bool holds = stop.run(person);
         const bool isSaved = save(dialog, folder, stop.page) && save(screen, folder, stop.screen);
         report(QString("%1  %2 %3")
-                   .arg(held && isSaved ? "held  " : "FAILED", QString(stop.name).leftJustified(18),
-                        stop.compared));
-        allHeld = allHeld && held && isSaved;
+                   .arg(holds && isSaved ? "held  " : "FAILED",
+                        QString(stop.name).leftJustified(18), stop.compared));
+        result.held += holds && isSaved ? 1 : 0;
     }
     if (!before.isEmpty())
         dialog.applyLanguage(before);
-    return allHeld;
+    return result;
 }

@@ -56,9 +56,9 @@ bool stopped(TourPerson &person, const char *start, const char *stop)
 {
     person.boxes().texts.clear();
     person.click(start);
-    runEventLoop(400);
+    person.pass(400);
     person.click(stop);
-    runEventLoop(800);
+    person.pass(800);
     return person.boxes().texts.isEmpty();
 }
 

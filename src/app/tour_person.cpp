@@ -17,7 +17,7 @@ bool TourPerson::pressAndRead(const char *button, const QString &text)
 {
     m_boxes.texts.clear();
     click(button);
-    runEventLoopUntil([this] { return !m_boxes.texts.isEmpty(); }, 60000);
+    runEventLoopUntil([this] { return !m_boxes.texts.isEmpty(); });
     return m_boxes.texts == QStringList{text};
 }
 
@@ -25,8 +25,14 @@ bool TourPerson::pressUntil(const char *button, const std::function<bool()> &isD
 {
     click(button);
     runEventLoopUntil(isDone);
-    runEventLoop(120);
+    pass(120);
     return isDone();
+}
+
+void TourPerson::pass(int milliseconds)
+{
+    const qint64 end = m_time.milliseconds() + milliseconds;
+    runEventLoopUntil([&] { return m_time.milliseconds() >= end; });
 }
 
 bool TourPerson::crcHolds(const QString &path)

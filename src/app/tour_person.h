@@ -4,6 +4,8 @@
 #include "app/message_boxes.h"
 #include "app/person.h"
 #include "common/event_loop.h"
+#include "simulator/direct_link.h"
+#include "simulator/shared_time.h"
 #include "simulator/simulator.h"
 
 #include <QTemporaryDir>
@@ -13,7 +15,8 @@
 class TourPerson : public Person
 {
 public:
-    TourPerson(Dialog &dialog, k7::Simulator &simulator) : m_dialog(dialog), m_simulator(simulator)
+    TourPerson(Dialog &dialog, k7::Simulator &simulator, const k7::SharedTime &time)
+        : m_dialog(dialog), m_simulator(simulator), m_time(time), m_boxes(k7::timeOf(time))
     {
     }
 
@@ -31,6 +34,8 @@ public:
     bool pressAndRead(const char *button, const QString &text);
     /// Presses `button` and waits until `isDone`, and until the exchange that brought it has ended.
     bool pressUntil(const char *button, const std::function<bool()> &isDone);
+    /// Lets the time of window and module pass.
+    void pass(int milliseconds);
     /// Has the tool check the file `path` against the module; whether it finds units, all equal.
     bool crcHolds(const QString &path);
 
@@ -43,6 +48,7 @@ public:
 private:
     Dialog &m_dialog;
     k7::Simulator &m_simulator;
+    const k7::SharedTime &m_time;
     MessageBoxes m_boxes;
     QTemporaryDir m_files;
 };

@@ -16,7 +16,6 @@
 #include "widgets/wait_cursor.h"
 
 #include <QButtonGroup>
-#include <QFile>
 
 #include <set>
 
@@ -198,8 +197,8 @@ void DevicePage::on_openBmpFile_clicked()
     ReadFault fault = ReadFault::None;
     const QByteArray content = readFile(path, &fault).value_or(QByteArray());
     m_bmpPixels = picture::toRgb565(picture::decode(content));
-    if (fault == ReadFault::TooLarge)
-        m_context.notices.warn(texts::fileTooLarge);
+    if (const Text *message = messageOf(fault))
+        m_context.notices.warn(*message);
     else if (m_bmpPixels.isEmpty())
         m_context.notices.warn(picture::refusal(content));
 }
@@ -229,8 +228,8 @@ void DevicePage::on_openJpgFile_clicked()
                        : Jpeg{{}, &texts::fileIsNotPicture};
     }();
     m_jpeg = jpeg.bytes;
-    if (fault == ReadFault::TooLarge)
-        m_context.notices.warn(texts::fileTooLarge);
+    if (const Text *message = messageOf(fault))
+        m_context.notices.warn(*message);
     else if (jpeg.refusal)
         m_context.notices.warn(*jpeg.refusal);
 }
@@ -255,13 +254,15 @@ void DevicePage::on_openOsFile_clicked()
     if (path.isEmpty())
         return;
     m_ui->bmpFilePathLabel->setText(path);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    if (const Text *refusal = OsDownload::refusal(file.size()))
+    ReadFault fault = ReadFault::None;
+    const auto content = readFile(path, &fault);
+    const Text *refusal = content                        ? OsDownload::refusal(content->size())
+                          : fault == ReadFault::TooLarge ? &texts::osFileTooLarge
+                                                         : messageOf(fault);
+    if (refusal)
         m_context.notices.warn(*refusal);
-    else
-        m_downloads.os.load(file.readAll());
+    else if (content)
+        m_downloads.os.load(*content);
 }
 
 void DevicePage::on_downloadOsFile_clicked()
@@ -283,8 +284,8 @@ void DevicePage::on_openIcpFile_clicked()
     m_context.settings.rememberIcoPath(path);
     ReadFault fault = ReadFault::None;
     const auto content = readFile(path, &fault);
-    if (fault == ReadFault::TooLarge)
-        m_context.notices.warn(texts::fileTooLarge);
+    if (const Text *message = messageOf(fault))
+        m_context.notices.warn(*message);
     if (!content)
         return;
     m_icoFileData = *content;

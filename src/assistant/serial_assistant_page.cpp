@@ -11,6 +11,7 @@
 #include <QClipboard>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QMenu>
 
 namespace {
@@ -65,6 +66,9 @@ SerialAssistantPage::SerialAssistantPage(const PageContext &context, Engine &eng
     m_ui->receiveText->document()->setMaximumBlockCount(TrafficLog::maxLines);
     for (const Kind &kind : kinds)
         m_ui->serialCmd->addItem(kind.text);
+    // Also the fields of the spin boxes. Enter anywhere else sends nothing: it may be a stray one.
+    for (const auto *field : findChildren<QLineEdit *>())
+        connect(field, &QLineEdit::returnPressed, m_ui->sendCmd, &QPushButton::click);
 
     connect(&engine.trafficLog(), &TrafficLog::linesReady, this,
             [this](const QStringList &lines) { m_ui->receiveText->append(lines.join('\n')); });

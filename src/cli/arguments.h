@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/console.h"
+#include "common/whole_number.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,14 +21,10 @@ inline CLI::Validator number(int least, int most)
         "number from " + std::to_string(least) + " to " + std::to_string(most);
     CLI::Validator validator(
         [least, most, range](std::string &text) -> std::string {
-            bool isNumber = false;
-            const QString digits = QString::fromStdString(text);
-            const int value = digits.startsWith("0x", Qt::CaseInsensitive)
-                                  ? digits.mid(2).toInt(&isNumber, 16)
-                                  : digits.toInt(&isNumber, 10);
-            if (!isNumber || value < least || value > most)
+            const auto value = wholeNumber(QString::fromStdString(text), least, most);
+            if (!value)
                 return '"' + text + "\" is no " + range;
-            text = std::to_string(value); // without the zeros that would make it octal
+            text = std::to_string(*value); // without the zeros that would make it octal
             return {};
         },
         "");

@@ -1,5 +1,6 @@
 #include "cli/cli.h"
 
+#include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/failure.h"
 #include "cli/ini_file.h"
@@ -9,7 +10,17 @@
 #include <QDir>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace {
+
+constexpr char description[] =
+    "Talks to a K7 display module, and keeps a project on it up to date.";
+constexpr char exitCodes[] =
+    "Exit codes: 0 done or equal; 1 differs (check, --dry-run); 2 usage; 3 a file is missing,\n"
+    "damaged or cannot be written; 4 a port is absent, busy or forbidden, or leads to another\n"
+    "module; 5 the module did not answer or went away; 6 sent, and the check still differs;\n"
+    "130 interrupted.";
 
 constexpr char deviceGroup[] = "Device";
 constexpr char outputGroup[] = "Output";
@@ -36,9 +47,45 @@ DeviceValues userValues(const QString &name)
 
 } // namespace
 
-Cli::Cli() = default;
+Cli::Cli(const Surroundings &surroundings)
+    : m_links(surroundings.links)
+    , m_app(std::make_unique<CLI::App>(description, "k7"))
+    , m_report(surroundings.out, surroundings.err)
+{
+}
 
 Cli::~Cli() = default;
+
+std::optional<int> Cli::read(std::vector<std::string> words)
+{
+    // What is wrong with the words must be told as they want it.
+    Report::Settings settings;
+    if (std::count(words.begin(), words.end(), "--json") > 0)
+        settings.format = Report::Format::Json;
+    m_report.configure(settings);
+    CLI::App &app = *m_app;
+    app.set_version_flag("--version", "k7 " K7_VERSION, "Print the version and exit");
+    app.footer(exitCodes);
+    app.require_subcommand(0, 1);
+    app.fallthrough();
+    addOptions(app);
+    addCommands(app, *this);
+    try {
+        app.parse(words);
+    } catch (const CLI::ParseError &error) {
+        return refusal(app, error);
+    }
+    applyOptions();
+    return std::nullopt;
+}
+
+int Cli::refusal(const CLI::App &app, const CLI::ParseError &error)
+{
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+        return app.exit(error);
+    return m_report.fail(ExitCode::usage, console::decoded(error.what()).trimmed(),
+                         "See `k7 --help`, or `k7 COMMAND --help`.");
+}
 
 void Cli::addOptions(CLI::App &app)
 {
@@ -145,7 +192,8 @@ Connection &Cli::connection(Access access)
     if (!m_connection)
         m_connection = std::make_unique<Connection>(
             device(),
-            Connection::Setup{m_options.simulate, m_options.wait, console::decoded(m_options.log)},
+            Connection::Setup{m_links, m_options.simulate, m_options.wait,
+                              console::decoded(m_options.log)},
             m_report);
     if (access == Access::Writes)
         m_connection->expectDevice();

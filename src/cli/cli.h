@@ -4,13 +4,25 @@
 #include "cli/device.h"
 #include "cli/report.h"
 
+#include <cstdio>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
-}
+class ParseError;
+} // namespace CLI
+
+/// What the program finds outside itself.
+struct Surroundings
+{
+    std::FILE *out = stdout;                           ///< for results
+    std::FILE *err = stderr;                           ///< for all else
+    std::function<Links()> links = Links::ofTheSystem; ///< to the module
+};
 
 /// What commands share: the report, the options of all commands, and the connection to the module,
 /// which is made when first asked for.
@@ -19,15 +31,14 @@ class Cli
 public:
     using Command = std::function<int()>;
 
-    Cli();
+    explicit Cli(const Surroundings &surroundings = {});
     ~Cli();
 
     Report &report() { return m_report; }
 
-    /// Adds the options of all commands to the grammar.
-    void addOptions(CLI::App &app);
-    /// Applies what was given of them; `devices` are the names of those to work with.
-    void applyOptions();
+    /// Reads the command line, once: the words behind the name of the program, the last one first.
+    /// The exit code where that is all.
+    std::optional<int> read(std::vector<std::string> words);
     /// The devices that the user named, in their order; usually one or none.
     QStringList deviceNames() const;
 
@@ -73,8 +84,13 @@ private:
         bool isQuiet = false;
     };
 
+    void addOptions(CLI::App &app);
+    void applyOptions();
+    int refusal(const CLI::App &app, const CLI::ParseError &error);
     DeviceValues givenValues() const;
 
+    const std::function<Links()> m_links;
+    const std::unique_ptr<CLI::App> m_app; ///< the grammar, which a command may show
     Report m_report;
     Options m_options;
     Command m_command;

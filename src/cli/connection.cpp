@@ -4,46 +4,17 @@
 #include "cli/ports.h"
 #include "cli/report.h"
 #include "serial/device_values.h"
-#include "serial/qt_serial_link.h"
 #include "simulator/direct_link.h"
+#include "simulator/shared_time.h"
 #include "simulator/simulator.h"
 
 #include <QDateTime>
 #include <QEventLoop>
-#include <QTimer>
 
 namespace {
 
 constexpr int wordsAtOnce = 120; ///< fit into one frame and into one reply, also with a CRC
 constexpr int registersAtOnce = 240;
-
-std::unique_ptr<k7::Simulator> simulatorOf(const Device &device)
-{
-    k7::ModuleSettings settings;
-    settings.format = {device.header1, device.header2, device.crcEnabled};
-    settings.layout = static_cast<k7::Layout>(device.model);
-    settings.uartRate = device.uart2.rate;
-    settings.screen = device.screen.value_or(settings.screen);
-    auto simulator = std::make_unique<k7::Simulator>(settings);
-    k7::Behaviour behaviour;
-    behaviour.realTime = true;
-    simulator->setBehaviour(behaviour);
-    simulator->start(k7::Way::InProcess);
-    return simulator;
-}
-
-std::array<std::unique_ptr<WatchedLink>, 2> makeLinks(const k7::Simulator *simulator)
-{
-    if (simulator)
-        return {std::make_unique<WatchedLink>(std::make_unique<k7::DirectLink>(*simulator)),
-                std::make_unique<WatchedLink>(std::make_unique<k7::DirectLink>(*simulator))};
-    auto uart = std::make_unique<QtSerialLink>();
-    auto ed2 = std::make_unique<QtSerialLink>();
-    uart->setPeer(*ed2);
-    ed2->setPeer(*uart);
-    return {std::make_unique<WatchedLink>(std::move(uart)),
-            std::make_unique<WatchedLink>(std::move(ed2))};
-}
 
 const char *nameOf(Connection::Link link)
 {
@@ -61,13 +32,52 @@ QString hexText(const QByteArray &bytes)
 
 } // namespace
 
+/// A simulated module, as slow as a real one.
+struct Connection::Simulation
+{
+    explicit Simulation(const Device &device) : module(settingsFor(device), &time)
+    {
+        k7::Behaviour behaviour;
+        behaviour.realTime = true;
+        module.setBehaviour(behaviour);
+        module.start(k7::Way::InProcess);
+    }
+
+    Links links() const
+    {
+        Links links = k7::directLinks(module);
+        links.time = k7::timeOf(time);
+        return links;
+    }
+
+    static k7::ModuleSettings settingsFor(const Device &device)
+    {
+        k7::ModuleSettings settings;
+        settings.format = {device.header1, device.header2, device.crcEnabled};
+        settings.layout = static_cast<k7::Layout>(device.model);
+        settings.uartRate = device.uart2.rate;
+        settings.screen = device.screen.value_or(settings.screen);
+        return settings;
+    }
+
+    k7::SharedTime time{k7::SharedTime::Pace::OfTheSystem};
+    k7::Simulator module;
+};
+
+Connection::WatchedLinks::WatchedLinks(Links links)
+    : uart(std::make_unique<WatchedLink>(std::move(links.uart)))
+    , ed2(std::make_unique<WatchedLink>(std::move(links.ed2)))
+    , time(links.time)
+{
+}
+
 Connection::Connection(const Device &device, const Setup &setup, Report &report)
     : m_device(device)
     , m_setup(setup)
     , m_report(report)
-    , m_simulator(setup.isSimulated ? simulatorOf(device) : nullptr)
-    , m_links(makeLinks(m_simulator.get()))
-    , m_engine(*m_links[0], *m_links[1], m_messages)
+    , m_simulation(setup.isSimulated ? std::make_unique<Simulation>(device) : nullptr)
+    , m_links(m_simulation ? m_simulation->links() : setup.links())
+    , m_engine(*m_links.uart, *m_links.ed2, m_messages, StepPolicy(), m_links.time)
     , m_downloads(m_engine)
     , m_comparison(m_engine.add(std::make_unique<CrcComparison>(m_engine.uart())))
 {
@@ -76,7 +86,7 @@ Connection::Connection(const Device &device, const Setup &setup, Report &report)
             m_outcome = outcome;
     });
     connect(&m_engine, &Engine::progressed, this, [this](int, int percent) {
-        m_sinceProgress.start();
+        m_progressAt = now();
         m_bytesAtProgress = sentBytes();
         if (!m_what.isEmpty())
             m_report.progress(m_what, m_progressFrom + percent * (100 - m_progressFrom) / 100);
@@ -119,8 +129,8 @@ void Connection::prepare(Link link)
         return;
     const bool isUart = link == Link::Uart2;
     Device::Port port = isUart ? m_device.uart2 : m_device.ed2;
-    if (m_simulator)
-        port.name = isUart ? m_simulator->uartPath() : m_simulator->ed2Path();
+    if (m_simulation)
+        port.name = isUart ? m_simulation->module.uartPath() : m_simulation->module.ed2Path();
     else if (!port.name.isEmpty())
         port.name = ports::resolved(port.name);
     else if (isUart)
@@ -163,12 +173,11 @@ void Connection::run(Link link, const QString &what, const std::function<void()>
 
 void Connection::awaitPort(Link link, const std::function<bool()> &isOpened)
 {
-    QElapsedTimer waited;
-    waited.start();
+    const qint64 start = now();
     while (!isOpened()) {
         const OpenFailure reason = this->link(link).openFailure();
         const bool mayPass = reason == OpenFailure::NoSuchPort || reason == OpenFailure::InUse;
-        if (!mayPass || static_cast<double>(waited.elapsed()) >= 1000 * m_setup.waitSeconds)
+        if (!mayPass || static_cast<double>(now() - start) >= 1000 * m_setup.waitSeconds)
             throw ports::openFailure(nameOf(link), this->link(link).name(), reason);
         pause(100);
     }
@@ -194,7 +203,7 @@ Outcome Connection::attempt(const std::function<void()> &start)
     m_outcome = Outcome::Done;
     m_isGivenUp = false;
     m_bytesAtProgress = sentBytes();
-    m_sinceProgress.start();
+    m_progressAt = now();
     QEventLoop loop;
     start();
     // An exchange may end by starting another one, as that of an operating system does.
@@ -210,7 +219,7 @@ Outcome Connection::attempt(const std::function<void()> &start)
 
 qint64 Connection::sentBytes() const
 {
-    return m_links[0]->sentBytes() + m_links[1]->sentBytes();
+    return m_links.uart->sentBytes() + m_links.ed2->sentBytes();
 }
 
 void Connection::onBeat()
@@ -222,7 +231,7 @@ void Connection::onBeat()
     constexpr int bitsPerByte = 13; // with room for pauses
     const qint64 bytes = sentBytes() - m_bytesAtProgress;
     const int rate = link(Link::Uart2).isOpen() ? m_device.uart2.rate : m_device.ed2.rate;
-    if (m_sinceProgress.elapsed() > m_patience + bytes * bitsPerByte * 1000 / rate)
+    if (now() - m_progressAt > m_patience + bytes * bitsPerByte * 1000 / rate)
         m_isGivenUp = true;
     // Not in the middle of a frame.
     const bool isSending = link(Link::Uart2).isSending() || link(Link::Ed2).isSending();
@@ -234,16 +243,16 @@ void Connection::onBeat()
 
 void Connection::pause(int milliseconds)
 {
-    QElapsedTimer time;
-    time.start();
-    while (time.elapsed() < milliseconds) {
-        QEventLoop loop;
-        QTimer::singleShot(static_cast<int>(qMin<qint64>(50, milliseconds - time.elapsed())), &loop,
-                           &QEventLoop::quit);
-        loop.exec();
-        if (interrupt::isPending())
-            throw Failure{ExitCode::interrupted, "interrupted", {}};
-    }
+    const qint64 end = now() + milliseconds;
+    QEventLoop loop;
+    const auto look = connect(&m_engine.heartbeat(), &Heartbeat::fired, &loop, [&] {
+        if (now() >= end || interrupt::isPending())
+            loop.quit();
+    });
+    loop.exec();
+    disconnect(look);
+    if (interrupt::isPending())
+        throw Failure{ExitCode::interrupted, "interrupted", {}};
 }
 
 Failure Connection::silence(Link link, const QString &complaint)

@@ -7,8 +7,8 @@
 #include "crc/crc_comparison.h"
 #include "download/downloads.h"
 #include "engine/engine.h"
+#include "engine/links.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 
 #include <array>
@@ -16,9 +16,6 @@
 #include <memory>
 #include <optional>
 
-namespace k7 {
-class Simulator;
-}
 class Report;
 
 /// The links to one module and the engine on them. Everything is done one after the other: each
@@ -30,6 +27,7 @@ class Connection : public QObject
 public:
     struct Setup
     {
+        std::function<Links()> links; ///< to the module, where it is not simulated
         bool isSimulated = false;
         double waitSeconds = 0; ///< for a port that is absent or in use
         QString logFile;        ///< of all that goes over the links; empty: none
@@ -40,10 +38,10 @@ public:
     ~Connection() override;
 
     const Device &device() const { return m_device; }
-    bool isSimulated() const { return m_simulator != nullptr; }
+    bool isSimulated() const { return m_simulation != nullptr; }
     Engine &engine() { return m_engine; }
     Downloads &downloads() { return m_downloads; }
-    WatchedLink &link(Link link) { return *m_links[static_cast<size_t>(link)]; }
+    WatchedLink &link(Link link) { return link == Link::Uart2 ? *m_links.uart : *m_links.ed2; }
 
     /// Milliseconds that an exchange may do without getting any further, beyond what the line
     /// takes.
@@ -72,6 +70,17 @@ public:
     void expectDevice();
 
 private:
+    /// The links that the program watches.
+    struct WatchedLinks
+    {
+        explicit WatchedLinks(Links links);
+
+        const std::unique_ptr<WatchedLink> uart;
+        const std::unique_ptr<WatchedLink> ed2;
+        const TimeSource time;
+    };
+    struct Simulation;
+
     /// Keeps what the engine tells.
     struct Messages final : Notices
     {
@@ -83,6 +92,8 @@ private:
     void awaitPort(Link link, const std::function<bool()> &isOpened);
     void openLog(const QString &path);
     void log(const char *link, char direction, const QByteArray &bytes);
+    /// In milliseconds, from whatever beginning.
+    qint64 now() const { return m_links.time.now() / 1'000'000; }
     qint64 sentBytes() const;
     void onBeat();
     /// What became of one attempt.
@@ -92,9 +103,9 @@ private:
     const Device m_device;
     const Setup m_setup;
     Report &m_report;
-    std::unique_ptr<k7::Simulator> m_simulator;
+    const std::unique_ptr<Simulation> m_simulation;
     Messages m_messages;
-    const std::array<std::unique_ptr<WatchedLink>, 2> m_links;
+    const WatchedLinks m_links;
     Engine m_engine;
     Downloads m_downloads;
     CrcComparison &m_comparison;
@@ -108,6 +119,6 @@ private:
     int m_progressFrom = 0; ///< percent that were done before
     Outcome m_outcome = Outcome::Done;
     bool m_isGivenUp = false;
-    QElapsedTimer m_sinceProgress;
+    qint64 m_progressAt = 0; ///< when it got further last
     qint64 m_bytesAtProgress = 0;
 };

@@ -1,6 +1,7 @@
 #include "cli/device.h"
 
 #include "cli/failure.h"
+#include "common/whole_number.h"
 #include "download/screen_picture.h"
 #include "serial/serial_settings.h"
 
@@ -26,7 +27,7 @@ void readPort(const QString &text, const QString &name, Device::Port &port)
     port.name = text.left(at);
     if (at < 0)
         return;
-    port.rate = text.mid(at + 1).toInt();
+    port.rate = wholeNumber(text.mid(at + 1)).value_or(0);
     if (port.name.isEmpty() || port.rate <= 0 || linkRate(port.rate) != port.rate)
         refuse(name, text,
                "It is PORT or PORT@RATE; the rate is 1200, 2400, 4800, 9600, 19200, 38400, 56000, "

@@ -28,6 +28,12 @@ void checkInterrupt()
         throw Failure{ExitCode::interrupted, "interrupted", {}};
 }
 
+Failure brokenOff(const QString &path)
+{
+    return {ExitCode::badFile, path + " cannot be read to its end",
+            "Check the disk or the network; nothing of it is used."};
+}
+
 QByteArray contentOf(const QString &path)
 {
     checkInterrupt();
@@ -36,10 +42,15 @@ QByteArray contentOf(const QString &path)
     if (fault == ReadFault::TooLarge)
         throw Failure{ExitCode::badFile, path + " is larger than 1 GiB",
                       "No file for a module is; name another one."};
-    if (!content)
+    if (fault == ReadFault::Unreadable)
+        throw brokenOff(path);
+    if (!content) {
+        const QFileInfo file(path);
         throw Failure{ExitCode::badFile, path + " cannot be read",
-                      QFileInfo::exists(path) ? "Check its permissions."
-                                              : "There is no such file; check the path."};
+                      !file.exists()  ? "There is no such file; check the path."
+                      : file.isFile() ? "Check its permissions."
+                                      : "Name a plain file, no pipe, device or folder."};
+    }
     return *content;
 }
 

@@ -25,6 +25,9 @@ QVector<InputFile> inputFiles(const std::vector<std::string> &paths);
 /// Throws a Failure when the user has pressed Ctrl-C.
 void checkInterrupt();
 
+/// Why the file at `path`, which breaks off, was not read.
+Failure brokenOff(const QString &path);
+
 /// The content of the file at `path`; throws a Failure when it cannot be had, or
 /// after Ctrl-C.
 QByteArray contentOf(const QString &path);

@@ -1,11 +1,13 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/input_files.h"
 #include "common/read_file.h"
+#include "common/whole_number.h"
 #include "download/jpeg_file.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
+#include <QStringList>
 
 #include <memory>
 
@@ -13,7 +15,10 @@ namespace {
 
 int send(Cli &cli, const QString &path, const JpgDownload::Display &display, const QString &done)
 {
-    const auto content = readFile(path);
+    ReadFault fault = ReadFault::None;
+    const auto content = readFile(path, &fault);
+    if (fault == ReadFault::Unreadable)
+        throw brokenOff(path);
     if (!content)
         throw Failure{ExitCode::badFile, QString("%1: the file cannot be read").arg(path),
                       "Is the name right, and may you read it?"};
@@ -35,14 +40,13 @@ int send(Cli &cli, const QString &path, const JpgDownload::Display &display, con
 /// The numbers of "X,Y".
 JpgDownload::Display placeOf(const QString &text)
 {
-    static const QRegularExpression place("\\A([0-9]{1,5}),([0-9]{1,5})\\z");
-    const QRegularExpressionMatch match = place.match(text);
-    const int x = match.captured(1).toInt();
-    const int y = match.captured(2).toInt();
-    if (!match.hasMatch() || x > 0xFFFF || y > 0xFFFF)
+    const QStringList numbers = text.split(',');
+    const auto x = wholeNumber(numbers.value(0), 0, 0xFFFF);
+    const auto y = wholeNumber(numbers.value(1), 0, 0xFFFF);
+    if (numbers.size() != 2 || !x || !y)
         throw Failure{ExitCode::usage, QString("\"%1\" is no place on the screen").arg(text),
                       "Give it as X,Y, such as --at 0,0."};
-    return {0, x, y};
+    return {0, *x, *y};
 }
 
 void addShow(CLI::App &app, Cli &cli)

@@ -32,18 +32,22 @@ bool mustConvert(const InputFile &file)
     return file.isNamed || QDir::match(picture::filePatterns, QFileInfo(file.path).fileName());
 }
 
-/// Pictures with one output would overwrite each other.
+/// Pictures with one output would overwrite each other, on a memory card if not here.
 void checkOutputs(const QVector<Batch> &batches)
 {
-    QHash<QString, QString> sources;
+    QHash<QString, Job> jobs;
     for (const Batch &batch : batches)
         for (const Job &job : batch) {
-            QString &source = sources[job.output];
-            if (!source.isNull())
-                throw Failure{ExitCode::usage,
-                              source + " and " + job.source + " would both become " + job.output,
-                              "Rename one of them, or put their numbers in front with --numbered."};
-            source = job.source;
+            const QString key = job.output.toCaseFolded();
+            if (!jobs.contains(key)) {
+                jobs.insert(key, job);
+                continue;
+            }
+            const Job other = jobs.value(key);
+            throw Failure{ExitCode::usage,
+                          other.source + " and " + job.source + " would both become " + job.output +
+                              (other.output == job.output ? "" : ", where names ignore case"),
+                          "Rename one of them, or put their numbers in front with --numbered."};
         }
 }
 

@@ -123,7 +123,9 @@ int makeFromPictures(Report &report, const Arguments &given)
     }
     QVector<IconRecord> icons;
     const QByteArray library = contentOf(output);
-    icoLibrary::read(library, icons);
+    if (!icoLibrary::read(library, icons))
+        throw Failure{ExitCode::badFile, output + " was written, and does not read back",
+                      "Check the disk; do not send this library."};
     tellMade(report, output, library.size(), {{"icons", icons.size()}});
     return ExitCode::done;
 }

@@ -3,9 +3,11 @@
 #include "cli/device.h"
 #include "cli/failure.h"
 #include "cli/ini_file.h"
+#include "cli/input_files.h"
 #include "common/file_number.h"
 #include "common/picture.h"
 #include "common/read_file.h"
+#include "common/whole_number.h"
 #include "download/flash_blocks.h"
 #include "download/os_download.h"
 #include "download/screen_picture.h"
@@ -43,10 +45,12 @@ Failure fileFault(const QString &path, const QString &fault, const QString &reme
     return {ExitCode::badFile, QString("%1: %2").arg(path, fault), remedy};
 }
 
-QByteArray contentOf(const QString &path)
+QByteArray wholeFile(const QString &path)
 {
     ReadFault fault = ReadFault::None;
     const auto content = readFile(path, &fault);
+    if (fault == ReadFault::Unreadable)
+        throw brokenOff(path);
     if (!content)
         throw fileFault(path,
                         fault == ReadFault::TooLarge ? "the file is too large"
@@ -57,7 +61,7 @@ QByteArray contentOf(const QString &path)
 
 QImage imageOf(const QString &path)
 {
-    const QByteArray content = contentOf(path);
+    const QByteArray content = wholeFile(path);
     const QImage image = picture::decode(content);
     if (image.isNull())
         throw fileFault(path, picture::refusal(content).in(true).section('\n', 0, 0),
@@ -67,7 +71,7 @@ QImage imageOf(const QString &path)
 
 void fillFlash(ProjectFile &file)
 {
-    file.content = contentOf(file.path);
+    file.content = wholeFile(file.path);
     if (file.kind == Kind::Icon)
         file.content.append((unitBytes - file.content.size() % unitBytes) % unitBytes, '\0');
     file.units = crcCheck::flashUnits(file.number, file.name, file.content);
@@ -100,7 +104,7 @@ void fillBmp(ProjectFile &file, Model model)
 
 void fillOs(ProjectFile &file)
 {
-    file.content = contentOf(file.path);
+    file.content = wholeFile(file.path);
     if (const Text *refusal = OsDownload::refusal(file.content.size()))
         throw fileFault(file.path, refusal->in(true).section('\n', 0, 0),
                         "Is this the file of an operating system?");
@@ -143,13 +147,12 @@ QMap<QString, int> numbersIn(const IniSections &ini)
     for (const char *section : {"flash", "pictures"}) {
         const auto entries = ini.value(section);
         for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
-            bool isNumber = false;
-            const int number = entry.key().toInt(&isNumber);
-            if (!isNumber)
+            const auto number = wholeNumber(entry.key());
+            if (!number)
                 throw Failure{ExitCode::usage,
                               QString("k7.ini: \"%1\" is no number").arg(entry.key()),
                               QString("Entries of [%1] are NUMBER=FILE.").arg(section)};
-            numbers.insert(entry.value(), number);
+            numbers.insert(entry.value(), *number);
         }
     }
     return numbers;

@@ -4,23 +4,10 @@
 
 #include <QJsonDocument>
 
-#include <cstdio>
-
 namespace {
 
 constexpr int barCells = 20;
 const QString eraseRest = QStringLiteral("\x1b[K"); // of the line, on a terminal
-
-void print(QJsonObject json)
-{
-    json.insert("format", 1);
-    const QByteArray line = QJsonDocument(json).toJson(QJsonDocument::Compact) + '\n';
-    // Files and pipes get UTF-8, whatever the local encoding is.
-    if (console::isTerminal(stdout))
-        return console::print(stdout, QString::fromUtf8(line));
-    std::fputs(line, stdout);
-    std::fflush(stdout);
-}
 
 } // namespace
 
@@ -28,7 +15,7 @@ void Report::configure(const Settings &settings)
 {
     m_settings = settings;
     // Asked in any case, because that makes a terminal understand escape sequences.
-    const bool isTerminal = console::isTerminal(stderr);
+    const bool isTerminal = console::isTerminal(m_err);
     m_drawsBar =
         settings.progress == Progress::Bar || (settings.progress == Progress::Auto && isTerminal);
 }
@@ -38,7 +25,7 @@ void Report::result(const QJsonObject &json, const QString &text)
     clearBar();
     if (!isJson()) {
         if (!text.isEmpty())
-            console::print(stdout, text + '\n');
+            console::print(m_out, text + '\n');
         return;
     }
     QJsonObject object = json;
@@ -55,7 +42,7 @@ void Report::note(const QString &text)
     if (isJson())
         print({{"type", "note"}, {"text", text}});
     else
-        console::print(stderr, text + '\n');
+        console::print(m_err, text + '\n');
 }
 
 void Report::detail(const QString &text)
@@ -70,9 +57,9 @@ int Report::fail(ExitCode code, const QString &cause, const QString &remedy)
     if (isJson()) {
         print({{"type", "error"}, {"code", code}, {"cause", cause}, {"remedy", remedy}});
     } else {
-        console::print(stderr, "k7: " + cause + '\n');
+        console::print(m_err, "k7: " + cause + '\n');
         if (!remedy.isEmpty())
-            console::print(stderr, "    " + remedy + '\n');
+            console::print(m_err, "    " + remedy + '\n');
     }
     return code;
 }
@@ -93,12 +80,23 @@ void Report::progress(const QString &what, int percent)
         if (isJson())
             print({{"type", "progress"}, {"what", what}, {"percent", step}});
         else
-            console::print(stderr, QString("%1 %2 %\n").arg(what).arg(step));
+            console::print(m_err, QString("%1 %2 %\n").arg(what).arg(step));
         return;
     }
     m_progressOf = what;
     m_shownPercent = percent;
     drawBar(what, percent);
+}
+
+void Report::print(QJsonObject json)
+{
+    json.insert("format", 1);
+    const QByteArray line = QJsonDocument(json).toJson(QJsonDocument::Compact) + '\n';
+    // Files and pipes get UTF-8, whatever the local encoding is.
+    if (console::isTerminal(m_out))
+        return console::print(m_out, QString::fromUtf8(line));
+    std::fputs(line, m_out);
+    std::fflush(m_out);
 }
 
 void Report::drawBar(const QString &what, int percent)
@@ -110,7 +108,7 @@ void Report::drawBar(const QString &what, int percent)
         line += " [" + QString(filled, '#') + QString(barCells - filled, '.') + ']';
     }
     line = (line + ' ' + what).left(width);
-    console::print(stderr, '\r' + line + eraseRest);
+    console::print(m_err, '\r' + line + eraseRest);
     m_isBarShown = true;
 }
 
@@ -118,6 +116,6 @@ void Report::clearBar()
 {
     if (!m_isBarShown)
         return;
-    console::print(stderr, '\r' + eraseRest);
+    console::print(m_err, '\r' + eraseRest);
     m_isBarShown = false;
 }

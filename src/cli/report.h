@@ -5,6 +5,8 @@
 #include <QJsonObject>
 #include <QString>
 
+#include <cstdio>
+
 /// What a command says. Results go to stdout, all else to stderr, each line at once. As JSON
 /// everything is one object a line on stdout, with `"format":1` and a `"type"`.
 class Report
@@ -26,7 +28,7 @@ public:
         int verbosity = 0;
     };
 
-    Report() = default;
+    explicit Report(std::FILE *out = stdout, std::FILE *err = stderr) : m_out(out), m_err(err) {}
     ~Report() { clearBar(); }
     Report(const Report &) = delete;
     Report &operator=(const Report &) = delete;
@@ -49,9 +51,12 @@ public:
     void progress(const QString &what, int percent);
 
 private:
+    void print(QJsonObject json);
     void drawBar(const QString &what, int percent);
     void clearBar();
 
+    std::FILE *const m_out;
+    std::FILE *const m_err;
     Settings m_settings;
     bool m_drawsBar = false;
     bool m_isBarShown = false;

@@ -2,6 +2,7 @@
 #include "cli/cli.h"
 #include "cli/commands.h"
 #include "cli/console.h"
+#include "cli/input_files.h"
 #include "cli/interrupt.h"
 
 #include <QFile>
@@ -36,6 +37,8 @@ public:
             // A terminal may end a read when it is interrupted.
             if (bytes.isEmpty() && interrupt::isPending())
                 throw Failure{ExitCode::interrupted, "interrupted", {}};
+            if (m_file.error() != QFileDevice::NoError)
+                throw brokenOff(m_file.fileName());
             if (bytes.isEmpty() && m_pending.isEmpty())
                 return std::nullopt;
             m_pending += bytes.isEmpty() ? QByteArray("\n") : bytes;

@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/update.h"
+#include "common/whole_number.h"
 
 #include <QFile>
 
@@ -28,10 +29,9 @@ struct NumberedFile
 /// FILE[=NUMBER]; the name of a file may have such an end of its own.
 NumberedFile numberedFile(const QString &text)
 {
-    bool isNumber = false;
     const int at = text.lastIndexOf('=');
-    const int number = text.mid(at + 1).toInt(&isNumber);
-    if (at <= 0 || !isNumber || QFile::exists(text))
+    const auto number = wholeNumber(text.mid(at + 1));
+    if (at <= 0 || !number || QFile::exists(text))
         return {text, std::nullopt};
     return {text.left(at), number};
 }

@@ -26,6 +26,7 @@ public:
     bool isOpen() const override { return m_link->isOpen(); }
     OpenFailure openFailure() const override { return m_link->openFailure(); }
     void close() override { m_link->close(); }
+    void abandon() override { m_link->abandon(); }
     void write(const QByteArray &bytes) override;
     bool isSending() const override { return m_link->isSending(); }
     QByteArray readAll() override;

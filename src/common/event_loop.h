@@ -4,10 +4,13 @@
 #include <QEventLoop>
 #include <QTimer>
 
+/// As long as anything is waited for, however busy the computer is.
+inline constexpr int longestWait = 180'000; // milliseconds
+
 /// Runs the event loop until `isDone` or, at the latest, for `milliseconds`. It runs at its full
 /// pace: waits that sleep between their looks take most of its beats from a heartbeat under them.
 template<typename IsDone>
-void runEventLoopUntil(IsDone isDone, int milliseconds = 5000)
+void runEventLoopUntil(IsDone isDone, int milliseconds = longestWait)
 {
     if (isDone())
         return;

@@ -18,7 +18,8 @@ struct Entry
 };
 
 /// `text` with `entries` in place of what it had under their keys; new keys go to the end of their
-/// groups.
+/// groups. Remarks stay, and so do line ends; new lines end as the first one does, or as is usual
+/// on this system.
 QByteArray withEntries(const QByteArray &text, const QVector<Entry> &entries);
 
 /// What stands behind the "=" of `key`, as it is written, up to a comment or the end of the line.
@@ -34,11 +35,19 @@ struct Assignment
     QString value;
 };
 
+/// A line "[name]" of a text.
+struct Group
+{
+    int line; ///< counted from 1
+    QString name;
+};
+
 struct Parsed
 {
     QVector<Assignment> assignments;
-    int badLine =
-        0; ///< the first line that is neither a group, a key nor a comment; 0 when all are
+    QVector<Group> emptyGroups; ///< behind which no key stands
+    /// The first line that is neither a group, a key nor a comment; 0 when all are.
+    int badLine = 0;
 };
 
 /// All keys of `text`, as they stand. A comment is a line, or its end, that begins with ";".

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/texts.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -10,8 +12,15 @@
 inline constexpr qint64 maxFileBytes = 1024 * 1024 * 1024;
 
 /// Why a file was not read.
-enum class ReadFault { None, Unreadable, TooLarge };
+enum class ReadFault {
+    None,
+    Unopened,   ///< it is missing, forbidden, or no plain file
+    Unreadable, ///< it breaks off: fewer bytes came than it has
+    TooLarge    ///< larger than `maxFileBytes`
+};
 
-/// What the file at `path` holds; none when it cannot be opened, or is larger than `maxFileBytes`,
-/// as `fault` tells then.
+/// All that the file at `path` holds; none of it otherwise, and `fault` tells why.
 std::optional<QByteArray> readFile(const QString &path, ReadFault *fault = nullptr);
+
+/// What the window says of `fault`: nothing of a file that could not be opened, which is wanted.
+const Text *messageOf(ReadFault fault);

@@ -2,7 +2,7 @@
 
 #include "common/read_file.h"
 
-#include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
 namespace {
@@ -32,8 +32,16 @@ bool replaceFile(const QString &path, const QByteArray &content)
            file.flush() && file.commit();
 }
 
-bool overwriteStart(const QString &path, const QByteArray &content)
+Overwritten overwriteStart(const QString &path, const QByteArray &content)
 {
-    QByteArray whole = readFile(path).value_or(QByteArray());
-    return replaceFile(path, whole.replace(0, content.size(), content));
+    const QFileInfo there(path);
+    // A folder, device or pipe holds nothing that could be kept, and is none to be replaced.
+    if (there.exists() && !there.isFile())
+        return Overwritten::NotWritten;
+    const auto old = readFile(path);
+    if (!old && there.exists())
+        return Overwritten::NotKept;
+    QByteArray whole = old.value_or(QByteArray());
+    return replaceFile(path, whole.replace(0, content.size(), content)) ? Overwritten::Done
+                                                                        : Overwritten::NotWritten;
 }

@@ -58,6 +58,14 @@ inline constexpr Text misplacedPictures{
     "Left out, because the number at the start of the name is above 32767:\n%1",
     "以下图片文件名开头的编号大于32767，未写入：\n%1"};
 inline constexpr Text fileTooLarge{"The file is too large !", "文件过大！"};
+inline constexpr Text fileNotRead{"The file could not be read to its end !\nNothing of it is used. "
+                                  "Check the disk or the network, "
+                                  "then try again.",
+                                  "文件未能完整读取！\n其内容均未使用。请检查磁盘或网络后重试。"};
+inline constexpr Text oldFileNotKept{
+    "The old file could not be read whole. Nothing was written: what stands behind its start "
+    "would be lost.\nMove it away, then try again.",
+    "原有文件未能完整读取。为避免丢失其后部内容，未写入任何内容。\n请先移走该文件再重试。"};
 inline constexpr Text downloadFailed{"Download failed !", "下载失败！"};
 
 // The menu of the traffic log.

@@ -93,7 +93,7 @@ QString ToolSettings::caption(const QString &key) const
 {
     const QVariant found = value(key);
     return found.type() == QVariant::StringList
-               ? iniText::rawValue(readFile(m_file).value_or(QByteArray()), key)
+               ? iniText::rawValue(readFile(m_store.fileName()).value_or(QByteArray()), key)
                : found.toString();
 }
 

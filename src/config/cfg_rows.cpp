@@ -2,6 +2,7 @@
 
 #include "common/big_endian.h"
 #include "common/hex_text.h"
+#include "common/whole_number.h"
 #include "config/cfg_fields.h"
 #include "config/encryption_texts.h"
 
@@ -89,7 +90,7 @@ Row numberRow(const QString &name, int offset, int bytes)
         return QString::number(bytes == 2 ? wordAt(read, 0) : byteAt(read, 0));
     };
     const auto put = [=](const QByteArray &, const QString &value) {
-        const auto number = numberIn(value, 0, maximum);
+        const auto number = wholeNumber(value, 0, maximum);
         return number ? std::optional(bytesOf(*number, bytes)) : std::nullopt;
     };
     return {name, offset, bytes, QString("0 to %1").arg(maximum), read, put};
@@ -106,7 +107,7 @@ Row rateRow()
                    : QString();
     };
     const auto put = [=](const QByteArray &, const QString &value) {
-        const auto rate = numberIn(value, minRate, baudClock);
+        const auto rate = wholeNumber(value, minRate, baudClock);
         return rate ? std::optional(bytesOf(divisorOf(*rate), 2)) : std::nullopt;
     };
     return {"Module/baudRate",
@@ -214,19 +215,12 @@ const QVector<Row> &all()
     return rows;
 }
 
-std::optional<int> numberIn(const QString &text, int minimum, int maximum)
-{
-    bool isNumber = false;
-    const int number = text.toInt(&isNumber, 0);
-    return isNumber && number >= minimum && number <= maximum ? std::optional(number)
-                                                              : std::nullopt;
-}
-
 std::optional<QByteArray> bytesFromHex(const QString &text)
 {
     const auto digits = hexText::digitsOf(text);
-    return digits && digits->size() % 2 == 0 ? std::optional(QByteArray::fromHex(*digits))
-                                             : std::nullopt;
+    return digits && !digits->isEmpty() && digits->size() % 2 == 0
+               ? std::optional(QByteArray::fromHex(*digits))
+               : std::nullopt;
 }
 
 } // namespace cfgRows

@@ -28,10 +28,7 @@ struct Row
 /// All keys in the order in which they are written.
 const QVector<Row> &all();
 
-/// `text` as a number, decimal or with 0x; nothing when it is none, or outside the range.
-std::optional<int> numberIn(const QString &text, int minimum, int maximum);
-
-/// The bytes of hexadecimal `text`, whole ones only.
+/// The bytes of hexadecimal `text`, one at least and whole ones only.
 std::optional<QByteArray> bytesFromHex(const QString &text);
 
 } // namespace cfgRows

@@ -1,10 +1,14 @@
 #include "config/cfg_text.h"
 
+#include "common/big_endian.h"
 #include "common/ini_text.h"
+#include "common/whole_number.h"
 #include "config/cfg_fields.h"
 #include "config/cfg_rows.h"
+#include "config/encryption_texts.h"
 #include "config/screen_timings.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -20,6 +24,11 @@ const QString bytesName = "Module/bytes";
 const QString rawGroup = "Raw";
 /// No module starts without layout and rate.
 constexpr int requiredOffsets[] = {layoutOffset, divisorOffset, divisorOffset + 1};
+
+bool isLocked(const QByteArray &image)
+{
+    return image.mid(encryptionOffset, 2) == "\x5A\xA5";
+}
 
 const cfgRows::Row *rowNamed(const QString &name)
 {
@@ -52,7 +61,7 @@ public:
 
     const QByteArray &image() const { return m_image; }
     /// Whether the text said anything of the byte at `offset`.
-    bool names(int offset) const { return m_named.contains(offset); }
+    bool names(int offset) const { return m_lines.contains(offset); }
 
 private:
     static QString nameOf(const iniText::Assignment &assignment)
@@ -64,6 +73,7 @@ private:
     {
         if (!m_fault.isEmpty())
             return;
+        m_line = assignment.line;
         const QString name = nameOf(assignment);
         QString fault;
         if (m_names.contains(name))
@@ -78,12 +88,12 @@ private:
             fault = "is no key";
         m_names.insert(name);
         if (!fault.isEmpty())
-            m_fault = QString("line %1: %2 %3").arg(assignment.line).arg(name, fault);
+            m_fault = QString("line %1: %2 %3").arg(m_line).arg(name, fault);
     }
 
     QString takeSize(const QString &value)
     {
-        const auto bytes = cfgRows::numberIn(value, 1, maxBytes);
+        const auto bytes = wholeNumber(value, 1, maxBytes);
         if (!bytes)
             return QString("is not 1 to %1").arg(maxBytes);
         m_hasSize = true;
@@ -93,6 +103,8 @@ private:
 
     QString takeRow(const cfgRows::Row &row, const QString &value)
     {
+        if (row.offset == divisorOffset && names(divisorOffset))
+            return "says the rate a second time";
         const auto bytes =
             row.put(m_image.mid(row.offset, row.bytes).leftJustified(row.bytes, '\0'), value);
         return bytes ? put(row.offset, *bytes) : "is not " + row.expected;
@@ -100,7 +112,7 @@ private:
 
     QString takeRaw(const QString &offset, const QString &value)
     {
-        const auto at = cfgRows::numberIn(offset, 0, maxBytes);
+        const auto at = wholeNumber(offset, 0, maxBytes);
         const auto bytes = cfgRows::bytesFromHex(value);
         if (!at || !bytes)
             return "is not an offset with bytes in hexadecimal";
@@ -114,7 +126,7 @@ private:
             return "does not fit into the file";
         m_image = m_image.leftJustified(end, '\0').replace(offset, bytes.size(), bytes);
         for (int i = offset; i < end; ++i)
-            m_named.insert(i);
+            m_lines.insert(i, m_line);
         return {};
     }
 
@@ -126,15 +138,31 @@ private:
             if (!m_hasBase && offset < m_image.size() && !names(offset))
                 m_fault = QString(offset == layoutOffset ? "Module/layout" : "Module/baudRate") +
                           " is missing";
+        if (const int line = lineThatLocksWithoutKey())
+            m_fault = QString("line %1: the card would be locked, and Encryption/key is missing")
+                          .arg(line);
         if (!cfgImage::isCfg(m_image))
             m_fault = "the file would not begin with K7D";
+    }
+
+    /// 0 when there is none. A file that is said to end before its key needs none.
+    int lineThatLocksWithoutKey() const
+    {
+        const int end = keyOffset + encryptionTexts::keyBytes;
+        bool hasKey = m_hasSize && m_image.size() < end;
+        for (int i = keyOffset; i < end; ++i)
+            hasKey |= names(i) || bigEndian::byteAt(m_image, i) != 0;
+        return isLocked(m_image) && !hasKey
+                   ? qMax(m_lines.value(encryptionOffset), m_lines.value(encryptionOffset + 1))
+                   : 0;
     }
 
     const bool m_hasBase;
     bool m_hasSize = false;
     QByteArray m_image;
     QSet<QString> m_names;
-    QSet<int> m_named; ///< offsets
+    QHash<int, int> m_lines; ///< by the offsets that they tell of
+    int m_line = 0;
     QString m_fault;
 };
 
@@ -157,7 +185,10 @@ QByteArray keysOf(const QByteArray &image)
     for (const cfgRows::Row &row : cfgRows::all()) {
         if (row.offset + row.bytes > image.size())
             continue;
-        const QString value = row.read(image.mid(row.offset, row.bytes));
+        const QByteArray bytes = image.mid(row.offset, row.bytes);
+        QString value = row.read(bytes);
+        if (row.offset == keyOffset && isLocked(image)) // of zeros, too
+            value = QString::fromLatin1(bytes.toHex(' '));
         if (value.isNull())
             continue;
         if (row.group() != group)
@@ -212,6 +243,11 @@ Result toImage(const QByteArray &text, const QByteArray &base)
     const iniText::Parsed parsed = iniText::parse(text);
     if (parsed.badLine > 0)
         return {{}, QString("line %1 is neither a group, a key nor a comment").arg(parsed.badLine)};
+    if (!parsed.emptyGroups.isEmpty())
+        return {{},
+                QString("line %1: [%2] has no key")
+                    .arg(parsed.emptyGroups.first().line)
+                    .arg(parsed.emptyGroups.first().name)};
     return Builder(base).build(parsed.assignments);
 }
 

@@ -214,9 +214,11 @@ void SystemConfigPage::on_openCfgFile_clicked()
     const QString path = m_context.fileDialogs.openFile(QString(), "*.CFG");
     if (path.isEmpty())
         return;
-    const QByteArray image = readFile(path).value_or(QByteArray());
+    ReadFault fault = ReadFault::None;
+    const QByteArray image = readFile(path, &fault).value_or(QByteArray());
     if (!cfgImage::isCfg(image)) {
-        m_context.notices.warn(texts::notCfgFile);
+        m_context.notices.warn(fault == ReadFault::Unreadable ? texts::fileNotRead
+                                                              : texts::notCfgFile);
         return;
     }
     m_openedImage = image;
@@ -248,5 +250,6 @@ void SystemConfigPage::writeFile(const QByteArray &image)
     else if (fault == cfgImage::Fault::BadKey)
         m_context.notices.warn(texts::keyError);
     // What a longer file holds behind the image stays. A file that cannot be written is no message.
-    overwriteStart(path, filled);
+    if (overwriteStart(path, filled) == Overwritten::NotKept)
+        m_context.notices.warn(texts::oldFileNotKept);
 }

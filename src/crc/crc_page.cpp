@@ -85,8 +85,8 @@ void CrcPage::list(const QStringList &paths)
             return content ? crcCheck::unitsOf(QFileInfo(path).fileName(), *content)
                            : crcCheck::Units();
         }();
-        if (fault == ReadFault::TooLarge)
-            m_context.notices.warn(texts::fileTooLarge);
+        if (const Text *message = messageOf(fault))
+            m_context.notices.warn(*message);
         if (units.refusal)
             m_context.notices.warn(*units.refusal);
         items += units.items;

@@ -81,12 +81,12 @@ void FontDownloadPage::on_downloadFont_clicked()
         return;
     QVector<BlockDownload::Block> blocks;
     for (int row = 0; row < positions->size(); ++row) {
-        // A file that cannot be read is skipped.
+        // A file that cannot be opened is skipped without a word. That is wanted.
         ReadFault fault = ReadFault::None;
         if (const auto content = readFile(m_list.paths.at(row), &fault))
             blocks += flashBlocks(positions->at(row), *content);
-        else if (fault == ReadFault::TooLarge)
-            m_context.notices.warn(texts::fileTooLarge);
+        else if (const Text *message = messageOf(fault))
+            m_context.notices.warn(*message);
     }
     if (!blocks.isEmpty())
         m_download.start(blocks, BlockDownload::fontEndTick);

@@ -2,18 +2,16 @@
 
 #include "common/picture.h"
 
-#include <QFile>
-#include <QTemporaryDir>
+#include <QBuffer>
 
 namespace {
 
 QByteArray compressed(const QImage &image, int quality)
 {
-    const QTemporaryDir folder;
-    QFile file(folder.filePath("SystemTest.jpg"));
-    if (!image.save(file.fileName(), "JPG", quality) || !file.open(QIODevice::ReadOnly))
-        return {};
-    return file.readAll();
+    // In memory, which cannot be full without a word, as a disk can.
+    QBuffer jpeg;
+    jpeg.open(QIODevice::WriteOnly);
+    return image.save(&jpeg, "JPG", quality) ? jpeg.data() : QByteArray();
 }
 
 } // namespace

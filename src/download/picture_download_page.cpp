@@ -109,9 +109,9 @@ void PictureDownloadPage::convert(const QString &path)
     ReadFault fault = ReadFault::None;
     if (const auto content = readFile(path, &fault)) {
         m_data.append(pixels(*content));
-    } else if (fault == ReadFault::TooLarge) {
+    } else if (const Text *message = messageOf(fault)) {
         m_data.append(QByteArray());
-        m_context.notices.warn(texts::fileTooLarge);
+        m_context.notices.warn(*message);
     }
 }
 

@@ -10,17 +10,19 @@ using Answer = Transaction::Answer;
 } // namespace
 
 Engine::Engine(SerialLink &uart, SerialLink &ed2, Notices &notices, const StepPolicy &policy,
-               QObject *parent)
+               const TimeSource &time, QObject *parent)
     : QObject(parent)
     , m_uart(uart)
     , m_ed2(ed2)
     , m_notices(notices)
     , m_policy(policy)
-    , m_heartbeat(m_session, m_dispatch,
-                  [this] {
-                      m_uart.poll();
-                      m_ed2.poll();
-                  })
+    , m_heartbeat(
+          m_session, m_dispatch,
+          [this] {
+              m_uart.poll();
+              m_ed2.poll();
+          },
+          time)
     , m_readRegisters(add(
           std::make_unique<Transaction>(commandType::readRegister, this->uart(), Answer::Anything)))
     , m_readVp(
@@ -172,7 +174,7 @@ void Engine::stop()
 {
     const int stopped = m_session.commandType;
     m_session.commandType = commandType::idle;
-    m_uart.close();
+    m_uart.abandon();
     if (stopped != commandType::idle)
         emit m_reports.ended(stopped, Outcome::Stopped);
 }

@@ -27,7 +27,7 @@ public:
     /// Works on the links `uart` and `ed2`, of devices or of a simulated module, and tells the user
     /// what happens through `notices`; all three outlive it. Nothing runs before start().
     Engine(SerialLink &uart, SerialLink &ed2, Notices &notices, const StepPolicy &policy = {},
-           QObject *parent = nullptr);
+           const TimeSource &time = {}, QObject *parent = nullptr);
     ~Engine() override;
 
     /// Starts the heartbeat: one tick every millisecond.

@@ -3,24 +3,13 @@
 #include "engine/download_session.h"
 #include "engine/step_dispatch.h"
 
-#include <chrono>
-
 Heartbeat::Heartbeat(DownloadSession &session, StepDispatch &dispatch,
-                     std::function<void()> readLinks, Clock clock)
-    : m_session(session)
-    , m_dispatch(dispatch)
-    , m_readLinks(std::move(readLinks))
-    , m_time(std::move(clock))
+                     std::function<void()> readLinks, const TimeSource &time)
+    : m_session(session), m_dispatch(dispatch), m_readLinks(std::move(readLinks)), m_now(time.now)
 {
-    m_timer.setInterval(intervalMilliseconds);
+    m_timer.setInterval(time.turn);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &Heartbeat::onTimeout);
-}
-
-qint64 Heartbeat::steadyTime()
-{
-    const auto time = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::nanoseconds(time).count();
 }
 
 void Heartbeat::onTimeout()
@@ -38,7 +27,7 @@ void Heartbeat::onTimeout()
 void Heartbeat::runDueTicks()
 {
     m_readLinks();
-    const qint64 now = m_time();
+    const qint64 now = m_now();
     if (m_session.starts != m_startsSeen) {
         m_startsSeen = m_session.starts;
         m_clock.restart(now - TickClock::tickNanoseconds);
@@ -51,7 +40,7 @@ void Heartbeat::runDueTicks()
         if (m_session.tick <= 1) {
             // A wait begins: what it waits for is sent and answered in later passes only, and the
             // time that sending took, or opening a port, must not shorten it.
-            m_clock.beginWait(m_time());
+            m_clock.beginWait(m_now());
             return;
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/tick_clock.h"
+#include "engine/time_source.h"
 
 #include <QObject>
 #include <QTimer>
@@ -19,11 +20,8 @@ class Heartbeat : public QObject
     Q_OBJECT
 
 public:
-    /// A time in nanoseconds that never goes back, from whatever beginning.
-    using Clock = std::function<qint64()>;
-
     Heartbeat(DownloadSession &session, StepDispatch &dispatch, std::function<void()> readLinks,
-              Clock clock = steadyTime);
+              const TimeSource &time = {});
 
     void start() { m_timer.start(); }
 
@@ -35,14 +33,10 @@ private:
     void onTimeout();
     void runDueTicks();
 
-    static qint64 steadyTime();
-
-    static constexpr int intervalMilliseconds = 1;
-
     DownloadSession &m_session;
     StepDispatch &m_dispatch;
     const std::function<void()> m_readLinks;
-    const Clock m_time;
+    const std::function<qint64()> m_now;
     QTimer m_timer;
     TickClock m_clock;
     quint32 m_startsSeen = 0;

@@ -1,7 +1,5 @@
 #include "font/zero_font.h"
 
-#include "common/replace_file.h"
-
 #include <QPainter>
 #include <QThread>
 #include <QThreadPool>
@@ -85,9 +83,9 @@ QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showPro
     return font;
 }
 
-void write(const QString &folder, const QByteArray &font)
+Overwritten write(const QString &folder, const QByteArray &font)
 {
-    overwriteStart(folder + "/0_ZOLT_ASC.HZK", font);
+    return overwriteStart(folder + "/0_ZOLT_ASC.HZK", font);
 }
 
 QImage preview(const QString &text, const GlyphStyle &style)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/replace_file.h"
 #include "font/glyph.h"
 
 #include <functional>
@@ -12,8 +13,8 @@ namespace zeroFont {
 QByteArray make(const GlyphStyle &style, const std::function<void(int)> &showProgress);
 
 /// Writes `font` over the start of 0_ZOLT_ASC.HZK in `folder`. What a longer file holds
-/// behind it stays; a file that cannot be written is not told.
-void write(const QString &folder, const QByteArray &font);
+/// behind it stays.
+Overwritten write(const QString &folder, const QByteArray &font);
 
 /// `text` in all sizes: 540 x 400 pixels in four rows, 24 bits a pixel.
 QImage preview(const QString &text, const GlyphStyle &style);

@@ -62,12 +62,15 @@ void ZeroFontPage::paintEvent(QPaintEvent *event)
 
 void ZeroFontPage::on_CreatZeroFont_clicked()
 {
-    {
+    const Overwritten outcome = [this] {
         const WaitCursor busy;
-        zeroFont::write(m_folder, zeroFont::make(style(), [this](int percent) {
-                            m_ui->progressBar->setValue(percent);
-                        }));
-    }
+        return zeroFont::write(m_folder, zeroFont::make(style(), [this](int percent) {
+                                   m_ui->progressBar->setValue(percent);
+                               }));
+    }();
+    if (outcome == Overwritten::NotKept)
+        m_context.notices.warn(texts::oldFileNotKept);
+    // Whatever became of the file. That is wanted.
     m_context.notices.warn(texts::libraryFinished);
 }
 

@@ -1,8 +1,10 @@
 #include "ico/ico_text.h"
 
+#include "common/hex_text.h"
 #include "common/ini_text.h"
 #include "common/picture.h"
 #include "common/read_file.h"
+#include "common/whole_number.h"
 #include "ico/ico_library.h"
 
 #include <QBuffer>
@@ -150,14 +152,6 @@ QByteArray pngOf(const IconRecord &icon)
 
 namespace {
 
-std::optional<int> numberIn(const QString &text, qint64 maximum, int base = 0)
-{
-    bool isNumber = false;
-    const qint64 number = text.toLongLong(&isNumber, base);
-    return isNumber && number >= 0 && number <= maximum ? std::optional(static_cast<int>(number))
-                                                        : std::nullopt;
-}
-
 /// A group of the text.
 struct Group
 {
@@ -189,6 +183,7 @@ private:
     {
         IconRecord icon;
         int address;
+        int line;
     };
 
     QVector<Group> groupsOf(const QByteArray &text)
@@ -197,6 +192,9 @@ private:
         if (parsed.badLine > 0)
             m_fault =
                 QString("line %1 is neither a group, a key nor a comment").arg(parsed.badLine);
+        for (const iniText::Group &group : parsed.emptyGroups)
+            if (m_fault.isEmpty() && group.name != libraryGroup)
+                m_fault = QString("line %1, [%2]: it has no key").arg(group.line).arg(group.name);
         QVector<Group> groups;
         for (const iniText::Assignment &assignment : parsed.assignments) {
             if (groups.isEmpty() || groups.last().name != assignment.group)
@@ -222,7 +220,7 @@ private:
     QString takeLibrary(const Group &group)
     {
         if (group.values.contains("bytes")) {
-            m_bytes = numberIn(group.values.value("bytes"), maxFileBytes).value_or(0);
+            m_bytes = wholeNumber(group.values.value("bytes"), 0, maxFileBytes).value_or(0);
             if (m_bytes < icoLibrary::indexBytes)
                 return "bytes is not 262144 to 1073741824";
         }
@@ -236,13 +234,13 @@ private:
 
     QString takeIcon(const Group &group)
     {
-        const auto position = numberIn(group.name, IconRecord::maxPosition, 10);
+        const auto position = wholeNumber(group.name, 0, IconRecord::maxPosition);
         if (!position)
             return "it is neither Library nor an icon, 0 to 32767";
         if (m_positions.contains(*position))
             return "the icon stands there twice";
         m_positions.insert(*position);
-        Placed placed{IconRecord(), m_next};
+        Placed placed{IconRecord(), m_next, group.line};
         for (const QString &fault : {unknownKey(group, {"picture", "size", "keyColor", "address"}),
                                      takeSize(group, placed.icon), takeKeyColor(group, placed.icon),
                                      takeAddress(group, placed.address)})
@@ -263,8 +261,8 @@ private:
         if (group.values.contains("picture"))
             return takePicture(group.values.value("picture"), icon);
         const QStringList sides = group.values.value("size").split('x');
-        const auto width = numberIn(sides.value(0), IconRecord::maxSide);
-        const auto height = numberIn(sides.value(1), IconRecord::maxSide);
+        const auto width = wholeNumber(sides.value(0), 0, IconRecord::maxSide);
+        const auto height = wholeNumber(sides.value(1), 0, IconRecord::maxSide);
         if (sides.size() != 2 || !width || !height || *width * *height != 0)
             return "size is not that of an icon without pixels, such as 0x5";
         icon.width = *width;
@@ -298,17 +296,18 @@ private:
     {
         if (!group.values.contains("keyColor"))
             return {};
-        const QString value = group.values.value("keyColor");
-        if (value.size() != 4 || !numberIn(value, 0xFFFF, 16))
+        const auto digits = hexText::digitsOf(group.values.value("keyColor"));
+        if (!digits || digits->size() != 4)
             return "keyColor is not 4 hexadecimal digits";
-        icon.entry.replace(6, 2, QByteArray::fromHex(value.toLatin1()));
+        icon.entry.replace(6, 2, QByteArray::fromHex(*digits));
         return {};
     }
 
     static QString takeAddress(const Group &group, int &address)
     {
         if (group.values.contains("address")) {
-            const auto given = numberIn(group.values.value("address"), icoLibrary::maxAddress);
+            const auto given =
+                wholeNumber(group.values.value("address"), 0, icoLibrary::maxAddress);
             if (!given)
                 return "address is not 0 to 0xFFFFFFF";
             address = *given;
@@ -328,7 +327,28 @@ private:
         for (const Placed &placed : m_icons)
             library.replace(placed.icon.position * icoLibrary::entryBytes, icoLibrary::entryBytes,
                             icoLibrary::entryAt(placed.icon, static_cast<quint32>(placed.address)));
-        return {library, m_icons.size(), {}};
+        return {library, m_icons.size(), readingFault(library)};
+    }
+
+    /// How `library` would be read otherwise than the text says; empty when it would not.
+    QString readingFault(const QByteArray &library) const
+    {
+        QVector<IconRecord> icons;
+        const bool isWhole = icoLibrary::read(library, icons);
+        QHash<int, const IconRecord *> read;
+        for (const IconRecord &icon : qAsConst(icons))
+            read.insert(icon.position, &icon);
+        for (const Placed &placed : m_icons) {
+            const IconRecord *icon = read.value(placed.icon.position);
+            if (!icon || icon->pixels() != placed.icon.pixels())
+                return QString("line %1, [%2]: the icon would not be read as it is here; pixels "
+                               "lie on other pixels or on the index, or its size is 0x0")
+                    .arg(placed.line)
+                    .arg(placed.icon.position);
+        }
+        return isWhole && icons.size() == m_icons.size()
+                   ? QString()
+                   : "pixels, or the rest, lie on the index where the text has no icon";
     }
 
     const Loader &m_load;

@@ -13,11 +13,11 @@ namespace pictureConversion {
 
 namespace {
 
-/// One name for each file, however its path is written.
+/// One name for each file, however its path is written. Windows and memory cards ignore case.
 QString fileKey(const QString &path)
 {
-    return QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath() + '/' +
-           QFileInfo(path).fileName();
+    const QString folder = QFileInfo(QFileInfo(path).absolutePath()).canonicalFilePath();
+    return (folder + '/' + QFileInfo(path).fileName()).toCaseFolded();
 }
 
 QByteArray bmpOf(const QImage &image)

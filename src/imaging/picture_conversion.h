@@ -22,6 +22,7 @@ QString outputPath(const ListedPicture &picture, const QString &folder, bool isR
 
 /// The jobs of `pictures`, in batches that do not touch each other's files: done at the same time
 /// they give what they give one after the other. Of several pictures with one output the last wins.
+/// Names that differ in case only are taken for one.
 QVector<Batch> batches(const QVector<ListedPicture> &pictures, const QString &folder,
                        bool isRenamed);
 

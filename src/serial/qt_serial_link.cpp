@@ -42,10 +42,17 @@ bool QtSerialLink::open()
 
 void QtSerialLink::close()
 {
+    // Closing drops what Qt has not yet handed to the driver.
+    if (m_port.isOpen())
+        serialDevice::handToDriver(m_port);
+    abandon();
+}
+
+void QtSerialLink::abandon()
+{
     if (!m_port.isOpen())
         return;
-    // Closing drops what Qt has not yet handed to the driver.
-    serialDevice::handToDriver(m_port);
+    m_port.flush();
     m_port.close();
 }
 

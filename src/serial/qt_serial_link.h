@@ -21,6 +21,7 @@ public:
     bool isOpen() const override { return m_port.isOpen(); }
     OpenFailure openFailure() const override { return m_openFailure; }
     void close() override;
+    void abandon() override;
     void write(const QByteArray &bytes) override;
     bool isSending() const override { return m_port.bytesToWrite() > 0; }
     QByteArray readAll() override { return m_port.readAll(); }

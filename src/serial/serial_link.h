@@ -33,7 +33,10 @@ public:
     virtual bool isOpen() const = 0;
     /// Why the last open() that left the link closed failed.
     virtual OpenFailure openFailure() const = 0;
+    /// Whatever was written goes out all the same.
     virtual void close() = 0;
+    /// Closes the port without waiting: what the device does not take at once is lost.
+    virtual void abandon() { close(); }
 
     /// Sends all of `bytes` in the background; on a closed link nothing happens.
     virtual void write(const QByteArray &bytes) = 0;

@@ -47,7 +47,7 @@ private slots:
         choose("openFile", {m_folder->filePath("A10.bin")});
         QCOMPARE(column(m_table, 0), QStringList());
         click("compareCheck");
-        runEventLoop(50);
+        pass(50);
         QCOMPARE(m_boxes->texts, QStringList());
     }
 

@@ -43,7 +43,7 @@ class TestEd2System : public WindowTest
 private slots:
     void init()
     {
-        QVERIFY(openWindow());
+        QVERIFY(openWindow(k7::Way::Terminals));
         confirmEd2Rate();
     }
 
@@ -57,10 +57,10 @@ private slots:
             const Row row(page);
             m_simulator->setBehaviour({});
             click("download" + page);
-            runEventLoop(60); // the handshake has been acknowledged
+            pass(60); // the handshake has been acknowledged
             click("stop" + page);
             QVERIFY(isOpenInTheTool(ed2));
-            runEventLoop(300); // the data would be on their way
+            pass(300); // the data would be on their way
             QCOMPARE(block(1, 1), QByteArray("\xFF"));
             QCOMPARE(module().pictures().value(1), QByteArray());
             click("readVersion");
@@ -87,7 +87,7 @@ private slots:
 
     void ed2IsHeardOnceItsRateIsConfirmed()
     {
-        QVERIFY(openWindow()); // nothing is confirmed in it
+        QVERIFY(openWindow(k7::Way::Terminals)); // nothing is confirmed in it
         choose("chooseFontFile", {write("1_a.bin", "a")});
         click("downloadFont");
         QCOMPARE(nextBoxes(), QStringList{failure});

@@ -98,6 +98,33 @@ private slots:
         }
     }
 
+    void editedFilesKeepTheirLineEndsAndRemarks()
+    {
+        const bool isWindows = QSysInfo::kernelType() == "winnt";
+        const struct
+        {
+            QByteArray before; ///< what QSettings reads as a group with perhaps a key
+            QByteArray after;
+        } rows[] = {
+            {"", isWindows ? "[Own]\r\nkey=new\r\nnext=1\r\n" : "[Own]\nkey=new\nnext=1\n"},
+            {"[Own]\nkey=1, \"2;3\"\t ; why\n\n", "[Own]\nkey=new\t ; why\nnext=1\n\n"},
+            {"[Own]\r\n;x\r\nkey=1", "[Own]\r\n;x\r\nkey=new\r\nnext=1\r\n"},
+            {"[Own]\rkey=1;a\\\r", "[Own]\rkey=new;a\\\rnext=1\r"},
+            {"[Own]\r\na=D:\\b\\\r\nkey=1\r\n",
+             "[Own]\r\na=D:\\b\\\r\nkey=1\r\nkey=new\r\nnext=1\r\n"},
+            {"[Own]\n\ra=b\\\n\rc=\n\r", "[Own]\n\ra=b\\\n\rc=\n\rkey=new\n\rnext=1\n\r"},
+            {"[Own]\na=b\\\r", "[Own]\na=b\\\r\n\nkey=new\nnext=1\n"}, // nothing is held on to
+        };
+        for (const auto &row : rows) {
+            init(); // settings of one name share what was read
+            write(row.before);
+            ToolSettings(file()).set({{"Own/key", {"new"}}, {"Own/next", {"1"}}});
+            QCOMPARE(*readFile(file()), row.after);
+            QCOMPARE(stored("Own/key"), QVariant("new"));
+            QCOMPARE(stored("Own/next"), QVariant("1"));
+        }
+    }
+
     void whatCannotBeWrittenHoldsUntilTheEnd()
     {
         QVERIFY(QDir().mkdir(file())); // neither read nor written, whoever asks
@@ -121,7 +148,7 @@ private slots:
     void programFolderIsTheUsersOwnWhereTheExecutablesCannotBeWritten()
     {
         QStandardPaths::setTestModeEnabled(true);
-        write("[Language]\nLanguage=French\n");
+        write("[Language]\nLanguage=French\nBoth=Yes, no\n");
         QCOMPARE(findProgramFolder(m_folder->path()).own, m_folder->path());
         // What stands beside the executable is read all the same, and is where the user's file
         // begins.
@@ -129,6 +156,8 @@ private slots:
         QVERIFY(QDir().mkpath(folder.own));
         QCOMPARE(folder.fileToRead("SystemConfig.ini"), file());
         const QString ownFile = folder.own + "/SystemConfig.ini";
+        QCOMPARE(ToolSettings(ownFile + "/none", file()).caption("Language/Both"),
+                 QString("Yes, no"));
         ToolSettings settings(ownFile, file());
         QCOMPARE(settings.text("Language/Language"), QString("French"));
         settings.rememberIcoPath("/tmp");

@@ -70,6 +70,9 @@ private slots:
         QCOMPARE(stored("DefaultPath/icoDefaultPath").toString(), path);
         QCOMPARE(value("icoPositionID"), 3);
         QVERIFY(find<QSpinBox>("icoPositionID")->isReadOnly());
+        choose("openIcpFile", {write("70000_a.ICO", "x")});
+        QCOMPARE(value("icoPositionID"), 70000);
+        choose("openIcpFile", {path});
         set("icoPositionID", 9); // shows the number, and no more
         // Only K7UID1 counts in units of 32 KiB.
         for (const auto &[layout, unit] : {std::pair("K7UID1", 0x18), {"K7UID3", 0x300}}) {
@@ -106,7 +109,7 @@ private slots:
         choose("openBmpFile", {picture("1.bmp", Qt::red)});
         click("downloadBmpFile");
         // At the link's rate the acknowledgement would be missed 29 ticks from here, not 10 662.
-        runEventLoop(500);
+        pass(500);
         QCOMPARE(m_boxes->texts, QStringList());
     }
 
@@ -163,7 +166,7 @@ private slots:
                 QVERIFY(plugInFor(received));
                 click(download);
                 const QStringList boxes = nextBoxes();
-                runEventLoop(100);
+                pass(100);
                 // Whichever is noticed first: that the device is gone, or that the next chunk
                 // cannot open it.
                 QCOMPARE(boxes.size(), 1);

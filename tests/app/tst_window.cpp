@@ -1,4 +1,5 @@
 #include "engine/traffic_log.h"
+#include "support/row.h"
 #include "support/window_test.h"
 
 #include <QCheckBox>
@@ -80,44 +81,6 @@ private slots:
         COMPARE_SOON(view("receiveText").contains("5aa50483000f04"), true);
     }
 
-    void vpIsWrittenByHand()
-    {
-        select("serialCmd", "Write the VP");
-        set("regVpAddr", 0xFFFE); // up to the last word
-        type("11 22 33 44");
-        click("sendCmd");
-        COMPARE_SOON(module().vp(0xFFFF), quint16(0x3344));
-        QCOMPARE(module().vp(0xFFFE), quint16(0x1122));
-        COMPARE_SOON(view("receiveText"), QString("5aa50782fffe11223344\n5aa503824f4b"));
-    }
-
-    void registersAreWrittenAndReadByHand()
-    {
-        select("serialCmd", "Write the register");
-        set("regPage", 2);
-        set("regVpAddr", 0x10);
-        type("ab", false);
-        click("sendCmd");
-        COMPARE_SOON(module().registerAt(2, 0x11), quint8('b'));
-        finishExchange();
-        select("serialCmd", "Read the register");
-        set("regVpLen", 3);
-        click("sendCmd");
-        COMPARE_SOON(view("displayText"), QString("0x61 0x62 0x00"));
-    }
-
-    void freeFormInstructionGoesOutAsItStands()
-    {
-        select("serialCmd", "Since writing instruction");
-        type("5AA5 04 83 0014 01");
-        click("sendCmd");
-        COMPARE_SOON(view("receiveText"), QString("5aa50483001401\n5aa506830014010000"));
-        finishExchange();
-        type("free", false);
-        click("sendCmd");
-        COMPARE_SOON(view("receiveText").endsWith("\n66726565"), true);
-    }
-
     void curveReachesTheModule()
     {
         select("serialCmd", "Curve of the cache area");
@@ -158,6 +121,19 @@ private slots:
         }
         finishExchange();
         QCOMPARE(view("receiveText"), QString());
+    }
+
+    void enterSendsFromTheFieldsOnly()
+    {
+        show("tab_4");
+        type("no hex digits"); // whoever sends is told at once
+        const QStringList fields{"ChannelEdit0", "regPage", "regVpAddr", "regVpLen"};
+        const QStringList others{"clearReceiveLog", "receiveText", "serialCmd", "hexMode"};
+        for (const QString &name : fields + others) {
+            const Row row(name);
+            QTest::keyClick(find<QWidget>(name), Qt::Key_Return);
+            QCOMPARE(std::exchange(m_boxes->texts, {}).size(), fields.contains(name) ? 1 : 0);
+        }
     }
 
     void commandKindsArrangeThePage()
@@ -257,37 +233,6 @@ private slots:
         QCOMPARE(m_boxes->texts, QStringList());
     }
 
-    void norFlashIsWrittenAndReadBack()
-    {
-        module().setVp(0x8000, 0x1111);
-        module().setVp(0x8003, 0x4444);
-        set("norFlashAddr", 0x010000);
-        set("norVp", 0x8000);
-        set("norLength", 4);
-        click("writeNorFlash");
-        finishExchange();
-        set("norVp", 0x9000);
-        click("readNorFlash");
-        COMPARE_SOON(module().vp(0x9003), quint16(0x4444));
-        QCOMPARE(module().vp(0x9000), quint16(0x1111));
-    }
-
-    void confirmedCrcAndHeaderHoldForTheNextFrame()
-    {
-        QTimer::singleShot(0, this, [] {
-            const QWidget *settings = QApplication::activeModalWidget();
-            QCOMPARE(settings->windowTitle(), QString("Serial set"));
-            settings->findChild<QCheckBox *>()->setChecked(true);
-            settings->findChildren<QSpinBox *>().first()->setValue(0x12);
-            for (auto *button : settings->findChildren<QPushButton *>())
-                if (button->text() == "确定")
-                    button->click();
-        });
-        click("serialSet");
-        click("readVersion");
-        COMPARE_SOON(view("receiveText"), QString("12a50683000f01ed90"));
-    }
-
     void portsThatCannotBeOpenedAreReported()
     {
         m_dialog->offerPorts({"/dev/no-such-port"});
@@ -328,7 +273,7 @@ private slots:
         QCOMPARE(m_boxes->texts.size(), 1);
 
         m_simulator->setBehaviour({});
-        QVERIFY(m_simulator->start());
+        QVERIFY(m_simulator->start(k7::Way::InProcess));
         m_dialog->offerPorts({m_simulator->uartPath()});
         click("readVersion");
         COMPARE_SOON(line("displayVersion"), QString("GUI:V4.5 OS:V2.1"));
@@ -340,7 +285,7 @@ private slots:
         const QSignalSpy batches(&log, &TrafficLog::linesReady);
         log.add(TrafficLog::Direction::Sent, "x");
         log.clear();
-        runEventLoop(100);
+        pass(100);
         QVERIFY(batches.isEmpty());
         for (int i = 0; i <= TrafficLog::maxLines; ++i)
             log.add(TrafficLog::Direction::Sent, "x");

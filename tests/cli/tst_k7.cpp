@@ -1,15 +1,14 @@
-#include "common/event_loop.h"
+#include "cli/cli.h"
+#include "simulator/direct_link.h"
 #include "simulator/simulator.h"
 #include "support/random_bytes.h"
 
 #include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <csignal>
 #include <memory>
 
 namespace {
@@ -32,9 +31,33 @@ struct Run
     }
 };
 
+/// What a command prints, from a file that is its stdout or stderr.
+class Printed
+{
+public:
+    explicit Printed(const QString &path)
+        : m_file(std::fopen(QFile::encodeName(path), "w+b"), std::fclose)
+    {
+    }
+
+    std::FILE *file() const { return m_file.get(); }
+    QString text() const
+    {
+        std::rewind(m_file.get());
+        QByteArray bytes;
+        for (int c; (c = std::fgetc(m_file.get())) != EOF;)
+            bytes.append(static_cast<char>(c));
+        return QString::fromUtf8(bytes);
+    }
+
+private:
+    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> m_file;
+};
+
 } // namespace
 
-/// The program as it is run from a shell, on a module that is as slow as a real one.
+/// Commands on a module that is as slow as a real one, in a time that is theirs and the module's:
+/// they take no longer than their work, and end the same however busy the computer is.
 class K7Test : public QObject
 {
     Q_OBJECT
@@ -42,34 +65,24 @@ class K7Test : public QObject
 private:
     static constexpr int blockBytes = 256 * 1024;
 
-    QProcessEnvironment environment() const
+    /// Runs a command in the project's folder.
+    Run run(const QStringList &arguments)
     {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("XDG_CACHE_HOME", m_folder->filePath("cache"));
-        environment.insert("XDG_CONFIG_HOME", m_folder->filePath("config"));
-        environment.insert("K7_UART2", m_module->uartPath());
-        environment.insert("K7_ED2", m_module->ed2Path());
-        return environment;
+        const Printed out(m_folder->filePath("out"));
+        const Printed err(m_folder->filePath("err"));
+        Cli cli({out.file(), err.file(), [this] { return links(); }});
+        std::vector<std::string> words; // the last one first
+        for (const QString &argument : arguments)
+            words.insert(words.begin(), argument.toStdString());
+        const auto refused = cli.read(words);
+        const int code = refused ? *refused : cli.runCommand();
+        return {code, out.text().split('\n', Qt::SkipEmptyParts), err.text()};
     }
-    /// Runs the program in the project's folder; `whileRunning` is called once it says something.
-    Run run(const QStringList &arguments, const QByteArray &input = {},
-            const std::function<void(QProcess &)> &whenItSpeaks = {})
+    Links links()
     {
-        QProcess program;
-        program.setProcessEnvironment(environment());
-        program.setWorkingDirectory(m_folder->filePath("project"));
-        program.start(K7, arguments);
-        program.write(input);
-        program.closeWriteChannel();
-        if (whenItSpeaks) {
-            runEventLoopUntil([&] { return program.bytesAvailable() > 0; });
-            whenItSpeaks(program);
-        }
-        runEventLoopUntil([&] { return program.state() == QProcess::NotRunning; }, 60000);
-        const QString output = QString::fromUtf8(program.readAllStandardOutput());
-        const bool isNormal = program.exitStatus() == QProcess::NormalExit;
-        return {isNormal ? program.exitCode() : -1, output.split('\n', Qt::SkipEmptyParts),
-                QString::fromUtf8(program.readAllStandardError())};
+        Links links = k7::directLinks(*m_module);
+        links.time = k7::timeOf(*m_time);
+        return links;
     }
     void write(const QString &name, const QByteArray &content)
     {
@@ -95,20 +108,31 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<k7::SharedTime> m_time;
     std::unique_ptr<k7::Simulator> m_module;
 
 private slots:
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        m_module = std::make_unique<k7::Simulator>();
+        m_module.reset();
+        m_time = std::make_unique<k7::SharedTime>(k7::SharedTime::Pace::OfTheLoop);
+        m_module = std::make_unique<k7::Simulator>(k7::ModuleSettings(), m_time.get());
         setBehaviour(-1, false);
-        QVERIFY(m_module->start());
+        QVERIFY(m_module->start(k7::Way::InProcess));
+        for (const auto &[name, value] : {std::pair("XDG_CACHE_HOME", m_folder->filePath("cache")),
+                                          {"XDG_CONFIG_HOME", m_folder->filePath("config")},
+                                          {"K7_UART2", m_module->uartPath()},
+                                          {"K7_ED2", m_module->ed2Path()}})
+            qputenv(name, value.toLocal8Bit());
         write("project/k7.ini", "[project]\nsize=8x4\n[pictures]\n9=logo.png\n");
         write("project/7_ui.ICO", randomBytes(blockBytes + 4096));
         paint("project/1_a.bmp", Qt::red);
         paint("project/logo.png", Qt::blue);
+        QVERIFY(QDir::setCurrent(m_folder->filePath("project")));
     }
+
+    void cleanup() { QDir::setCurrent(QDir::rootPath()); } // so that the folder can go
 
     void syncSendsOnlyWhatDiffers()
     {
@@ -162,7 +186,7 @@ private slots:
         QVERIFY2(sync.code == 5 && sync.errors.contains("went away"), qPrintable(sync.errors));
         QCOMPARE(sync.of("sent"), QStringList());
         setBehaviour(-1, false);
-        QVERIFY(m_module->start());
+        QVERIFY(m_module->start(k7::Way::InProcess));
         sync = run({"sync"});
         QVERIFY2(sync.code == 0, qPrintable(sync.errors));
         QCOMPARE(sync.of("sent").first(), QString("7_ui.ICO: flash block 8 differed"));
@@ -244,7 +268,8 @@ private slots:
             if (!row.output.isEmpty())
                 expected.append(row.output);
         }
-        const Run all = run({"--log", "log", "run", "-"}, script);
+        write("project/script", script);
+        const Run all = run({"--log", "log", "run", "script"});
         QVERIFY2(all.code == 0, qPrintable(all.errors));
         QFile log(m_folder->filePath("project/log"));
         QVERIFY(log.open(QIODevice::ReadOnly) &&
@@ -307,44 +332,17 @@ private slots:
         QCOMPARE(module().picturePage(), 0);
     }
 
-    void interruptionEndsTheProgram()
+    void absentPortIsWaitedFor()
     {
-        const Run watched = run({"read", "vp", "0", "--watch", "0.1"}, {}, [](QProcess &program) {
-            ::kill(static_cast<pid_t>(program.processId()), SIGINT);
+        m_module->hangUp();
+        QCOMPARE(run({"page"}).code, 4);
+        const qint64 start = m_time->milliseconds();
+        connect(m_time.get(), &k7::SharedTime::passed, m_module.get(), [this, start] {
+            if (m_time->milliseconds() == start + 1000)
+                m_module->start(k7::Way::InProcess);
         });
-        QCOMPARE(watched.code, 130);
-        QVERIFY(watched.lines.first() == "0x0123" && watched.errors == "k7: interrupted\n");
-    }
-
-    /// One of two modules is silent: the other one is served, and the table tells.
-    void devicesAreServedSideBySide()
-    {
-        k7::Simulator silent;
-        k7::Behaviour behaviour;
-        behaviour.silent = true;
-        silent.setBehaviour(behaviour);
-        QVERIFY(silent.start());
-        write("config/k7/devices.ini",
-              "[a]\nuart2=" + m_module->uartPath().toUtf8() +
-                  "\nid=0123456789ABCDEF\n[b]\nuart2=" + silent.uartPath().toUtf8() + '\n');
-        QProcessEnvironment bare = environment();
-        const auto served = [&](const QStringList &arguments) {
-            QProcess program;
-            bare.remove("K7_UART2"); // it would count more than devices.ini
-            program.setProcessEnvironment(bare);
-            program.start(K7, arguments);
-            runEventLoopUntil([&] { return program.state() == QProcess::NotRunning; }, 20000);
-            return Run{program.exitCode(),
-                       QString(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
-                       program.readAllStandardError()};
-        };
-        const Run both = served({"--device", "a,b", "page", "3"});
-        QCOMPARE(both.code, 5);
-        QCOMPARE(both.lines, QStringList({"a    0  done", "b    5  no answer"}));
-        QVERIFY2(both.errors.startsWith("b: k7: no acknowledgement"), qPrintable(both.errors));
-        QCOMPARE(module().picturePage(), 3);
-        bare.insert("K7_DEVICE", "a");
-        QCOMPARE(served({"page"}).lines, QStringList{"3"});
+        QCOMPARE(run({"page", "--wait", "0.5"}).code, 4);
+        QCOMPARE(run({"page", "--wait", "5"}).lines, QStringList{"0"});
     }
 
     /// Every object is one that the documentation describes, member for member.
@@ -359,7 +357,8 @@ private slots:
         QVERIFY(!schema.isEmpty());
         QByteArray script = "info\npage 1\npage\nbacklight\nread vp 0\nread reg 1 2\nraw 00\n"
                             "write vp 0 1\nwrite reg 1 2 3\ncurve -c 0 1\nsync --dry-run";
-        QStringList lines = run({"--json", "-v", "run", "-"}, script).lines;
+        write("script", script);
+        QStringList lines = run({"--json", "-v", "run", "../script"}).lines;
         lines += run({"--json", "check", "."}).lines + run({"--json", "page", "x"}).lines +
                  run({"--json", "ports"}).lines + run({"--json", "completion", "zsh"}).lines;
         QSet<QString> types;
@@ -382,20 +381,6 @@ private slots:
             }
         }
         QVERIFY2(types.size() >= 12, qPrintable(QStringList(types.values()).join(' ')));
-    }
-
-    void absentPortIsWaitedFor()
-    {
-        const QString port = m_folder->filePath("port");
-        QTimer::singleShot(300, this, [&] { QFile::link(m_module->uartPath(), port); });
-        QCOMPARE(run({"--uart2", port, "--wait", "10", "page"}).lines, QStringList{"0"});
-    }
-
-    void simulatedModuleNeedsNoPort()
-    {
-        const Run sync = run({"--simulate", "sync", "--only", "*.png"});
-        QVERIFY2(sync.code == 0, qPrintable(sync.errors));
-        QCOMPARE(sync.of("verified").size(), 1);
     }
 };
 

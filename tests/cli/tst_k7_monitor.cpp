@@ -1,11 +1,10 @@
-#include "common/event_loop.h"
 #include "common/read_file.h"
 #include "simulator/pseudo_terminal.h"
+#include "support/program.h"
 
 #include <QDateTime>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -57,10 +56,12 @@ private:
             return printed.count('\n') >= count;
         };
         // What comes before the port is open is dropped.
-        for (int i = 0; i < 100 && !hasLines(1); ++i) {
-            line.write(QByteArray::fromHex("5AA503824F4B"));
-            runEventLoopUntil([&] { return hasLines(1); }, 50);
-        }
+        QTimer knocks;
+        connect(&knocks, &QTimer::timeout, this,
+                [&line] { line.write(QByteArray::fromHex("5AA503824F4B")); });
+        knocks.start(50);
+        runEventLoopUntil([&] { return hasLines(1); });
+        knocks.stop();
         line.write(QByteArray::fromHex("010203 5AA50683000F014521 5AA509"));
         runEventLoopUntil([&] {
             hasLines(0);
@@ -70,10 +71,10 @@ private:
             ::kill(static_cast<pid_t>(program.processId()), SIGINT);
         else
             line.hangUp();
-        runEventLoopUntil([&] { return program.state() == QProcess::NotRunning; });
+        const int ended = exitCodeOf(program);
         hasLines(0);
-        if (program.state() != QProcess::NotRunning || program.exitCode() != code)
-            return {QString("exit code %1").arg(program.exitCode())};
+        if (ended != code)
+            return {QString("exit code %1").arg(ended)};
         QStringList lines = QString::fromUtf8(printed).split('\n', Qt::SkipEmptyParts);
         while (lines.size() > 4)
             lines.removeFirst(); // more than one of the first frame came through

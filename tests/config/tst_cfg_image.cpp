@@ -177,13 +177,6 @@ private slots:
         QCOMPARE(cfgImage::read(image({{64, "5AAA"}}), {}).encryption, 2);
     }
 
-    void onlyTheRightMagicIsAccepted()
-    {
-        QVERIFY(cfgImage::isCfg("K7D"));
-        for (const char *bytes : {"", "K7", "K7d1", "7DK1"})
-            QVERIFY(!cfgImage::isCfg(bytes));
-    }
-
     void keysAndNamesAreJudged()
     {
         using encryptionTexts::checkFolderName;

@@ -67,6 +67,17 @@ private slots:
         QVERIFY2(text.contains("\ndivisor=50000\n") && !text.contains("baudRate"), text);
     }
 
+    void keysOfZerosAreToldWhereTheyLock()
+    {
+        for (const int bytes : {128, 111}) { // a shorter file has no room for the key
+            const QByteArray image =
+                "K7D1" + QByteArray(60, '\0') + "\x5A\xA5" + QByteArray(bytes - 66, '\0');
+            const QByteArray text = cfgText::fromImage(image).bytes;
+            QCOMPARE(text.contains("\nkey=00 00 "), bytes == 128);
+            QCOMPARE(cfgText::toImage(text).fault, QString());
+        }
+    }
+
     void timingsNameTheirScreens()
     {
         QByteArray image = cfgImage::fill(QByteArray(128, '\0'), CfgSettings()).image;
@@ -80,12 +91,13 @@ private slots:
     void baseKeepsWhatIsNotNamed()
     {
         const QByteArray base = "K7D2" + QByteArray(196, '\xEE');
-        const QByteArray made =
-            cfgText::toImage("[Module]\nautoUpload=off\n[Backlight]\nseconds=0x102\n", base).bytes;
+        const QByteArray text =
+            "[Module]\nautoUpload=off\n[Backlight]\rnormal=010\r\nseconds=0x102\n";
         QByteArray expected = base;
         expected[8] = '\x6E';
+        expected[12] = '\x0A';
         expected.replace(14, 2, QByteArray::fromHex("0102"));
-        QCOMPARE(made, expected);
+        QCOMPARE(cfgText::toImage(text, base).bytes, expected);
     }
 
     void mistakesAreNamed()
@@ -110,6 +122,12 @@ private slots:
             {"[Encryption]\nfolder=a b",
              "line 2: Encryption/folder is not up to 8 of 0-9, a-z, A-Z, - and _"},
             {"[Raw]\n70000=00", "line 2: Raw/70000 is not an offset with bytes in hexadecimal"},
+            {"[Raw]\n200=", "line 2: Raw/200 is not an offset with bytes in hexadecimal"},
+            {"[Tcon]\n\n[Raw]\n8=00", "line 1: [Tcon] has no key"},
+            {"[Module]\nbaudRate=9600\ndivisor=8",
+             "line 3: Module/divisor says the rate a second time"},
+            {"[Encryption]\nmode=locked",
+             "line 2: the card would be locked, and Encryption/key is missing"},
             {"[Raw]\n0=00", "the file would not begin with K7D"},
         };
         for (const auto &c : cases)

@@ -43,8 +43,8 @@ struct Bench : StepBench
     qint64 now = 0;
     qint64 perReading = 0; // passes whenever the time is read
     int reads = 0;
-    Heartbeat heartbeat{session, dispatch, [this] { ++reads; },
-                        [this] { return now += perReading; }};
+    Heartbeat heartbeat{
+        session, dispatch, [this] { ++reads; }, {[this] { return now += perReading; }, 1}};
 };
 
 } // namespace

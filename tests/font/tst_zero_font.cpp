@@ -66,18 +66,6 @@ private slots:
         }
     }
 
-    void rowsAreFilledUpToBytes()
-    {
-        QImage cell(9, 18, QImage::Format_RGB888);
-        cell.fill(Qt::black);
-        cell.setPixelColor(0, 1, Qt::white);
-        cell.setPixelColor(8, 17, Qt::white);
-        const QByteArray bits = glyph::pack(cell);
-        QCOMPARE(bits.size(), 36);
-        QCOMPARE(bits.left(4).toHex(), QByteArray("00008000"));
-        QCOMPARE(bits.right(2).toHex(), QByteArray("0080"));
-    }
-
     void fontsAreAsIfRenderedGlyphByGlyph()
     {
         GlyphStyle mono{QFont("DejaVu Sans Mono", 8), 0, 0, 0, 0};

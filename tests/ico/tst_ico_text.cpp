@@ -138,6 +138,13 @@ private slots:
              "line 2, [1]: size is not that of an icon without pixels, such as 0x5"},
             {"[1]\naddress=5", "line 2, [1]: it needs either a picture or a size"},
             {"[1]\nsize=0x0\nkeyColor=12345", "line 2, [1]: keyColor is not 4 hexadecimal digits"},
+            {"[1]\nsize=0x0\nkeyColor=+F00", "line 2, [1]: keyColor is not 4 hexadecimal digits"},
+            {"[Library]\n[1]", "line 2, [1]: it has no key"},
+            {"[1]\npicture=a.png\naddress=010",
+             "pixels, or the rest, lie on the index where the text has no icon"},
+            {"[2]\npicture=a.png\naddress=8",
+             "line 2, [2]: the icon would not be read as it is here; pixels lie on other pixels or "
+             "on the index, or its size is 0x0"},
             {"[1]\nsize=0x0\naddress=0x10000000", "line 2, [1]: address is not 0 to 0xFFFFFFF"},
             {"[1]\nsize=0x0\nname=x",
              "line 2, [1]: name is no key; known are picture, size, keyColor, address"},

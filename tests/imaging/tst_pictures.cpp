@@ -175,12 +175,12 @@ private slots:
         const QTemporaryDir out;
         const auto path = [&in](const char *name) { return in.filePath(name); };
         const PictureList list =
-            listOf({path("a.png"), path("b.png"), path("a.jpg"), path("c.bmp")});
+            listOf({path("a.png"), path("b.png"), path("A.jpg"), path("c.BMP")});
         const QVector<Batch> apart = pictureConversion::batches(list.pictures(), out.path(), false);
         QCOMPARE(apart.size(), 3);
         QCOMPARE(apart.at(0).size(), 2);
-        QCOMPARE(apart.at(0).at(1).source, path("a.jpg"));
-        // In the folder of the pictures c.bmp is written over itself, however the folder is
+        QCOMPARE(apart.at(0).at(1).source, path("A.jpg")); // one file on a memory card
+        // In the folder of the pictures c.BMP is written over itself, however the folder is
         // written.
         for (const QString &folder : {in.path(), in.path() + "/."}) {
             const QVector<Batch> together =

@@ -80,6 +80,13 @@ private slots:
         m_link->close();
         COMPARE_SOON(received.count(), 1);
         QCOMPARE(received.first().first().toByteArray(), QByteArray("kept"));
+        // A frame goes out when the link is abandoned, too.
+        QVERIFY(m_link->open());
+        m_link->write("next");
+        m_link->abandon();
+        QVERIFY(!m_link->isOpen());
+        COMPARE_SOON(received.count(), 2);
+        QCOMPARE(received.last().first().toByteArray(), QByteArray("next"));
     }
 
     void pollReadsWithoutTheEventLoop()

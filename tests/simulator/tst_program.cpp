@@ -1,7 +1,7 @@
 #include "simulator/pseudo_terminal.h"
 #include "support/event_loop.h"
+#include "support/program.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -19,12 +19,14 @@ Result runUntilReady(const QStringList &options)
     QProcess program;
     program.start(K7_SIMULATOR, options);
     QByteArray output;
-    while (output.count('\n') < 2 && program.waitForReadyRead())
+    runEventLoopUntil([&] {
         output += program.readAllStandardOutput();
+        return output.count('\n') >= 2 || program.state() == QProcess::NotRunning;
+    });
     const bool isReady = output.startsWith("UART2 /dev/") && output.contains("\nED2 /dev/");
     program.terminate();
-    const bool ended = program.waitForFinished() && program.exitStatus() == QProcess::NormalExit;
-    return {isReady && ended ? program.exitCode() : -1, program.readAllStandardError()};
+    const int code = exitCodeOf(program);
+    return {isReady ? code : -1, program.readAllStandardError()};
 }
 
 } // namespace
@@ -53,8 +55,7 @@ private slots:
         for (const auto &[options, named] : rows) {
             QProcess program;
             program.start(K7_SIMULATOR, options);
-            QVERIFY(program.waitForFinished());
-            QCOMPARE(program.exitCode(), 2);
+            QCOMPARE(exitCodeOf(program), 2);
             const QStringList lines = QString(program.readAllStandardError()).split('\n');
             const QString error = lines.value(lines.size() - 2);
             QVERIFY2(error.startsWith("k7-simulator: ") && error.contains(named),
@@ -72,15 +73,14 @@ private slots:
                 [&received](const QByteArray &bytes) { received += bytes; });
         QProcess program;
         program.start(K7_SIMULATOR, {"--uart-port", tool.path(), "--uart-rate", "9600"});
-        QVERIFY(program.waitForReadyRead());
+        runEventLoopUntil([&] { return program.canReadLine(); });
         QCOMPARE(program.readLine(), "UART2 " + tool.path().toLatin1() + '\n');
         tool.write(QByteArray::fromHex("5AA50483000F01"));
         COMPARE_SOON(received.toHex(), QByteArray("5aa50683000f014521"));
         tool.hangUp();
-        QVERIFY(program.waitForFinished());
-        QCOMPARE(program.exitCode(), 0);
+        QCOMPARE(exitCodeOf(program), 0);
         program.start(K7_SIMULATOR, {"--ed2-port", "/dev/no-such-port"});
-        QVERIFY(program.waitForFinished());
+        QCOMPARE(exitCodeOf(program), 1);
         QCOMPARE(program.readAllStandardError(),
                  QByteArray("k7-simulator: cannot open /dev/no-such-port\n"));
     }

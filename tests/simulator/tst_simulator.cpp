@@ -81,8 +81,10 @@ private slots:
         const QByteArray handshake = QByteArray::fromHex("5AA50480F35A07");
         fast.link->write(handshake);
         COMPARE_SOON(m_lines, QStringList{"ED2 hears garbage: 115200 bit/s instead of 6250000"});
-        fast.link->write(handshake); // says so once
-        runEventLoop(20);
+        if (m_way == Way::InProcess) {   // where it has arrived behind this
+            fast.link->write(handshake); // says so once
+            QCoreApplication::processEvents();
+        }
         fast.link->setBaudRate(6250000);
         fast.link->write(handshake);
         COMPARE_SOON(fast.received.toHex(), QByteArray("5aa503804f4b"));
@@ -121,7 +123,7 @@ private slots:
         port.link->write(askVersion);
         port.link->close();
         port.link->write("lost");
-        runEventLoop(20);
+        COMPARE_SOON(m_lines.size(), 1);
         QVERIFY(port.link->open());
         // What came while it was closed is forgotten; poll() needs no event of the link.
         port.link->write(askPage);
@@ -157,7 +159,8 @@ private slots:
             port.link->write(askVersion + askPage);
             COMPARE_SOON(m_lines.size(), 2);
             const bool isAnswered = !behaviour.silent;
-            runEventLoopUntil([&] { return port.received.endsWith(page); }, isAnswered ? 5000 : 20);
+            runEventLoopUntil([&] { return port.received.endsWith(page); },
+                              isAnswered ? longestWait : 20);
             QCOMPARE(port.received.contains(version) && port.received.endsWith(page), isAnswered);
             const int noise = port.received.size() - version.size() - page.size();
             QCOMPARE(noise > 0, behaviour.noisy);

@@ -16,7 +16,8 @@
 #include <memory>
 
 /// Base of the tests that drive the real window against the simulated module: each test has a new
-/// window.
+/// window. Their time is that of the event loop, so that a download of a minute takes no longer
+/// than its work, and ends the same however busy the computer is.
 class WindowTest : public QObject, public Person
 {
     Q_OBJECT
@@ -27,18 +28,21 @@ private slots:
 
 protected:
     QWidget &window() override { return *m_dialog; }
-    /// Opens a window with default settings, on the ports of a new module. False when the system
-    /// has no terminals for it.
-    bool openWindow()
+    /// Opens a window with default settings, on the ports of a new module, as `way` tells. False
+    /// when the system has no terminals for it.
+    bool openWindow(k7::Way way = k7::Way::InProcess)
     {
         closeWindow();
         QFile::remove(QCoreApplication::applicationDirPath() + "/SystemConfig.ini");
         m_folder = std::make_unique<QTemporaryDir>();
-        m_boxes = std::make_unique<MessageBoxes>();
-        m_simulator = std::make_unique<k7::Simulator>();
-        if (!m_simulator->start())
+        m_time = std::make_unique<k7::SharedTime>(way == k7::Way::InProcess
+                                                      ? k7::SharedTime::Pace::OfTheLoop
+                                                      : k7::SharedTime::Pace::OfTheSystem);
+        m_simulator = std::make_unique<k7::Simulator>(k7::ModuleSettings(), m_time.get());
+        if (!m_simulator->start(way))
             return false;
-        m_dialog = simulatedDialog(*m_simulator);
+        m_dialog = simulatedDialog(*m_simulator, *m_time);
+        m_boxes = std::make_unique<MessageBoxes>(k7::timeOf(*m_time));
         useModule(*m_dialog, *m_simulator);
         m_dialog->show();
         return true;
@@ -58,6 +62,7 @@ protected:
         m_dialog.reset();
         m_simulator.reset();
         m_boxes.reset();
+        m_time.reset();
     }
 
     /// Chooses a file that is there already: the dialog asks before it replaces it, and the person
@@ -119,12 +124,33 @@ protected:
         settings.setIniCodec("UTF-8");
         return settings.value(key);
     }
+    /// As the function of that name, but `isDone` is asked after each step of the time of window
+    /// and module, so that nothing is overlooked on a busy computer.
+    template<typename IsDone>
+    void runEventLoopUntil(IsDone isDone)
+    {
+        if (isDone())
+            return;
+        QEventLoop loop;
+        QTimer::singleShot(longestWait, &loop, &QEventLoop::quit);
+        connect(m_time.get(), &k7::SharedTime::passed, &loop, [&] {
+            if (isDone())
+                loop.quit();
+        });
+        loop.exec();
+    }
     void waitForBox()
     {
-        runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); }, 20000);
+        runEventLoopUntil([this] { return !m_boxes->texts.isEmpty(); });
+    }
+    /// Lets the time of window and module pass.
+    void pass(int milliseconds)
+    {
+        const qint64 end = m_time->milliseconds() + milliseconds;
+        runEventLoopUntil([&] { return m_time->milliseconds() >= end; });
     }
     /// Waits until the exchange that runs has ended: 100 ticks, and nothing to see at their end.
-    static void finishExchange() { runEventLoop(150); }
+    void finishExchange() { pass(150); }
     /// Opens the menu of the log and chooses `entry`.
     void chooseInLogMenu(const QString &entry)
     {
@@ -153,20 +179,20 @@ protected:
         set->setBaudText(rate);
         QMetaObject::invokeMethod(set, "query_clicked");
     }
-    /// Plugs the module in anew, for `bytes` bytes; then it hangs up. False when the system has no
-    /// terminals for it.
+    /// Plugs the module in anew, for `bytes` bytes; then it hangs up.
     bool plugInFor(int bytes)
     {
         k7::Behaviour behaviour;
         behaviour.hangUpAfter = bytes;
         m_simulator->setBehaviour(behaviour);
-        if (!m_simulator->start())
+        if (!m_simulator->start(k7::Way::InProcess))
             return false;
         useModule(*m_dialog, *m_simulator);
         return true;
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<k7::SharedTime> m_time;
     std::unique_ptr<k7::Simulator> m_simulator;
     std::unique_ptr<Dialog> m_dialog;
     std::unique_ptr<MessageBoxes> m_boxes;

@@ -1,0 +1,127 @@
+#include "simulator/simulator.h"
+#include "support/program.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+namespace {
+
+struct Run
+{
+    int code;
+    QStringList lines; // of the results
+    QString errors;
+};
+
+} // namespace
+
+/// What takes the program itself, as it is run from a shell: its ports, signals, input and
+/// children.
+class TestK7Program : public QObject
+{
+    Q_OBJECT
+
+private:
+    using WhileRunning = std::function<void(QProcess &)>;
+
+    /// Calls `whenItSpeaks` once the program says something.
+    Run run(const QStringList &arguments, const QByteArray &input = {},
+            const WhileRunning &whenItSpeaks = {})
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char *name : {"K7_UART2", "K7_ED2", "K7_DEVICE"})
+            environment.remove(name);
+        environment.insert(m_variables);
+        environment.insert("XDG_CACHE_HOME", m_folder.filePath("cache"));
+        environment.insert("XDG_CONFIG_HOME", m_folder.filePath("config"));
+        QProcess program;
+        program.setProcessEnvironment(environment);
+        program.start(K7, arguments);
+        program.write(input);
+        program.closeWriteChannel();
+        if (whenItSpeaks) {
+            runEventLoopUntil([&] { return program.bytesAvailable() > 0; });
+            whenItSpeaks(program);
+        }
+        const int code = exitCodeOf(program);
+        return {code, QString(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
+                program.readAllStandardError()};
+    }
+    void write(const QString &name, const QByteArray &content)
+    {
+        const QString path = m_folder.filePath(name);
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
+    QStringList onModule(const QStringList &arguments) const
+    {
+        return QStringList{"--uart2", m_module.uartPath()} + arguments;
+    }
+
+    QTemporaryDir m_folder;
+    k7::Simulator m_module;
+    QProcessEnvironment m_variables; ///< of the environment
+
+private slots:
+    void init()
+    {
+        m_variables.clear();
+        QVERIFY(m_module.start());
+    }
+
+    void linesOfTheInputAreCommands()
+    {
+        const Run all = run(onModule({"run", "-"}), "# two\npage 5\n\npage\n");
+        QVERIFY2(all.code == 0, qPrintable(all.errors));
+        QCOMPARE(all.lines, QStringList{"5"});
+    }
+
+    void interruptionEndsTheProgram()
+    {
+        const Run watched =
+            run(onModule({"read", "vp", "0", "--watch", "0.1"}), {},
+                [](QProcess &program) { ::kill(static_cast<pid_t>(program.processId()), SIGINT); });
+        QCOMPARE(watched.code, 130);
+        QCOMPARE(watched.lines.first(), QString("0x0123"));
+        QCOMPARE(watched.errors, QString("k7: interrupted\n"));
+    }
+
+    /// One of two modules is silent: the other one is served, and the table tells.
+    void devicesAreServedSideBySide()
+    {
+        k7::Simulator silent;
+        k7::Behaviour behaviour;
+        behaviour.silent = true;
+        silent.setBehaviour(behaviour);
+        QVERIFY(silent.start());
+        write("config/k7/devices.ini",
+              "[a]\nuart2=" + m_module.uartPath().toUtf8() +
+                  "\nid=0123456789ABCDEF\n[b]\nuart2=" + silent.uartPath().toUtf8() + '\n');
+        const Run both = run({"--device", "a,b", "page", "3"});
+        QCOMPARE(both.code, 5);
+        QCOMPARE(both.lines, QStringList({"a    0  done", "b    5  no answer"}));
+        QVERIFY2(both.errors.startsWith("b: k7: no acknowledgement"), qPrintable(both.errors));
+        QCOMPARE(m_module.module().picturePage(), 3);
+        m_variables.insert("K7_DEVICE", "a");
+        QCOMPARE(run({"page"}).lines, QStringList{"3"});
+    }
+
+    void simulatedModuleNeedsNoPort()
+    {
+        QImage image(4, 2, QImage::Format_RGB32);
+        image.fill(Qt::blue);
+        QVERIFY(image.save(m_folder.filePath("3_logo.png")));
+        const Run sync =
+            run({"--simulate", "sync", m_folder.path(), "--only", "*.png", "--size", "8x4"});
+        QVERIFY2(sync.code == 0, qPrintable(sync.errors));
+        QCOMPARE(sync.lines.filter("verified").size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestK7Program)
+#include "tst_k7_program.moc"
