@@ -234,7 +234,7 @@ void Connection::onBeat()
     if (now() - m_progressAt > m_patience + bytes * bitsPerByte * 1000 / rate)
         m_isGivenUp = true;
     // Not in the middle of a frame.
-    const bool isSending = link(Link::Uart2).isSending() || link(Link::Ed2).isSending();
+    const bool isSending = link(Link::Uart2).bytesToSend() + link(Link::Ed2).bytesToSend() > 0;
     if (m_isGivenUp || (interrupt::isPending() && !isSending)) {
         m_engine.stop();
         link(Link::Ed2).close();

@@ -28,7 +28,7 @@ public:
     void close() override { m_link->close(); }
     void abandon() override { m_link->abandon(); }
     void write(const QByteArray &bytes) override;
-    bool isSending() const override { return m_link->isSending(); }
+    qint64 bytesToSend() const override { return m_link->bytesToSend(); }
     QByteArray readAll() override;
     void poll() override { m_link->poll(); }
 

@@ -62,6 +62,11 @@ void QtSerialLink::write(const QByteArray &bytes)
         m_port.write(bytes);
 }
 
+qint64 QtSerialLink::bytesToSend() const
+{
+    return m_port.isOpen() ? serialDevice::bytesToSend(m_port) : 0;
+}
+
 void QtSerialLink::poll()
 {
     // Where the system reads in the background, bytes that wait take a moment to come through.

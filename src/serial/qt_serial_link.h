@@ -23,7 +23,7 @@ public:
     void close() override;
     void abandon() override;
     void write(const QByteArray &bytes) override;
-    bool isSending() const override { return m_port.bytesToWrite() > 0; }
+    qint64 bytesToSend() const override;
     QByteArray readAll() override { return m_port.readAll(); }
     void poll() override;
 

@@ -9,6 +9,9 @@ namespace serialDevice {
 
 /// Whether bytes wait in the device of the open port right now.
 bool hasInput(const QSerialPort &port);
+/// How many bytes that were written to the open port wait in Qt or in the driver, as far as it
+/// tells.
+qint64 bytesToSend(const QSerialPort &port);
 /// Whether the device of the open port went away.
 bool isGone(const QSerialPort &port);
 /// Hands what was written to the open port to the driver, which sends it even if the port is closed

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include <poll.h>
+#include <sys/ioctl.h>
 
 namespace {
 
@@ -22,6 +23,12 @@ QFileInfo deviceFile(const QString &name)
 bool serialDevice::hasInput(const QSerialPort &port)
 {
     return isInState(port.handle(), POLLIN);
+}
+
+qint64 serialDevice::bytesToSend(const QSerialPort &port)
+{
+    int queue = 0;
+    return port.bytesToWrite() + (::ioctl(port.handle(), TIOCOUTQ, &queue) == 0 ? queue : 0);
 }
 
 bool serialDevice::isGone(const QSerialPort &port)

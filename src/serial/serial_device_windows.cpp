@@ -21,6 +21,14 @@ bool serialDevice::hasInput(const QSerialPort &port)
     return ::ClearCommError(port.handle(), nullptr, &state) && state.cbInQue > 0;
 }
 
+qint64 serialDevice::bytesToSend(const QSerialPort &port)
+{
+    // What the driver has yet to finish, Qt counts, too.
+    COMSTAT state{};
+    const bool isKnown = ::ClearCommError(port.handle(), nullptr, &state);
+    return qMax(port.bytesToWrite(), isKnown ? qint64{state.cbOutQue} : 0);
+}
+
 bool serialDevice::isGone(const QSerialPort &port)
 {
     // The driver answers as long as there is a device.

@@ -40,8 +40,8 @@ public:
 
     /// Sends all of `bytes` in the background; on a closed link nothing happens.
     virtual void write(const QByteArray &bytes) = 0;
-    /// Whether bytes of write() have yet to be handed to the device.
-    virtual bool isSending() const { return false; }
+    /// How many bytes of write() have not left the computer yet, as far as the system tells.
+    virtual qint64 bytesToSend() const { return 0; }
     virtual QByteArray readAll() = 0;
     /// Looks for bytes that wait in the device now, without waiting for the event loop; emits
     /// readyRead() when there are some.

@@ -43,8 +43,10 @@ private slots:
         for (int i = 0; i < 70000; ++i)
             all.append(static_cast<char>(i));
         m_link->write(all);
+        QCOMPARE(m_link->bytesToSend(), qint64{all.size()});
         COMPARE_SOON(sent.size(), all.size());
         QCOMPARE(sent, all);
+        COMPARE_SOON(m_link->bytesToSend(), qint64{0});
 
         m_terminal->write(all);
         COMPARE_SOON(m_received.size(), all.size());
