@@ -4,6 +4,13 @@
 
 #include <QVariant>
 
+namespace {
+
+/// The property of QSerialPort by which closing it puts the settings back.
+constexpr char restoresSettings[] = "settingsRestoredOnClose";
+
+} // namespace
+
 QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
 {
     m_port.setDataBits(QSerialPort::Data8);
@@ -11,7 +18,7 @@ QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
     m_port.setStopBits(QSerialPort::OneStop);
     m_port.setFlowControl(QSerialPort::NoFlowControl);
     // Restored settings would change the rate under bytes that the driver has yet to send.
-    m_port.setProperty("settingsRestoredOnClose", false);
+    m_port.setProperty(restoresSettings, false);
     connect(&m_port, &QSerialPort::readyRead, this, &SerialLink::readyRead);
     connect(&m_port, &QSerialPort::errorOccurred, this, &QtSerialLink::onError);
 }
@@ -30,9 +37,17 @@ bool QtSerialLink::open()
 {
     if (m_port.isOpen())
         return false;
-    m_port.setPortName(m_name);
+    m_port.setPortName(serialDevice::deviceOf(m_name));
     if (!m_port.open(QIODevice::ReadWrite)) {
         m_openFailure = causeOf(m_port.error());
+        return false;
+    }
+    if (!serialDevice::lock(m_port)) {
+        // Whoever holds the port keeps its settings.
+        m_port.setProperty(restoresSettings, true);
+        m_port.close();
+        m_port.setProperty(restoresSettings, false);
+        m_openFailure = causeOf(QSerialPort::PermissionError);
         return false;
     }
     // What arrived while the link was closed answers nothing that is asked from now on.

@@ -7,6 +7,12 @@
 /// own.
 namespace serialDevice {
 
+/// The device that `name` leads to, by its own name; `name` where there is none. Qt locks a port by
+/// its name, which is to be the same however the user calls the device.
+QString deviceOf(const QString &name);
+/// Keeps other programs from the open port, also those that the system would let in, as it does
+/// with those of root. False where another program does so already.
+bool lock(const QSerialPort &port);
 /// Whether bytes wait in the device of the open port right now.
 bool hasInput(const QSerialPort &port);
 /// How many bytes that were written to the open port wait in Qt or in the driver, as far as it

@@ -2,7 +2,9 @@
 
 #include <QFileInfo>
 
+#include <cerrno>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 
 namespace {
@@ -19,6 +21,18 @@ QFileInfo deviceFile(const QString &name)
 }
 
 } // namespace
+
+QString serialDevice::deviceOf(const QString &name)
+{
+    const QString device = deviceFile(name).canonicalFilePath();
+    return device.isEmpty() ? name : device;
+}
+
+bool serialDevice::lock(const QSerialPort &port)
+{
+    // Closing the port unlocks it. A device that knows no locks is nobody's.
+    return ::flock(port.handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
 
 bool serialDevice::hasInput(const QSerialPort &port)
 {

@@ -15,6 +15,17 @@ QString bareName(const QString &name)
 
 } // namespace
 
+QString serialDevice::deviceOf(const QString &name)
+{
+    return name;
+}
+
+bool serialDevice::lock(const QSerialPort & /*port*/)
+{
+    // An open port is for one program alone, whatever its name.
+    return true;
+}
+
 bool serialDevice::hasInput(const QSerialPort &port)
 {
     COMSTAT state{};

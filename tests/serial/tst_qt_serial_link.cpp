@@ -8,6 +8,9 @@
 #include <QtTest>
 
 #include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 class TestQtSerialLink : public QObject
 {
@@ -115,17 +118,36 @@ private slots:
 
     void portOfTheOtherLinkIsNamed()
     {
-        QtSerialLink other;
-        other.setPortName(m_terminal->path());
+        const QTemporaryDir folder;
+        const QString alias = folder.filePath("by-id");
+        QVERIFY(QFile::link(m_terminal->path(), alias));
+        for (const auto &[name, otherName] : {std::pair(m_terminal->path(), m_terminal->path()),
+                                              {m_terminal->path(), alias},
+                                              {alias, m_terminal->path()}}) {
+            QtSerialLink other;
+            other.setPortName(otherName);
+            m_link->setPortName(name);
+            QVERIFY(m_link->open());
+            m_link->setPortName("elsewhere"); // the open device stays
+            QVERIFY(!other.open());
+            QCOMPARE(other.openFailure(), OpenFailure::InUse);
+            other.setPeer(*m_link);
+            QVERIFY(!other.open());
+            QCOMPARE(other.openFailure(), OpenFailure::OurOwn);
+            m_link->close();
+            QVERIFY(other.open());
+        }
+    }
+
+    void portThatAProgramLockedIsLeftAlone()
+    {
+        const int program = ::open(qPrintable(m_terminal->path()), O_RDWR | O_NOCTTY);
+        QCOMPARE(::flock(program, LOCK_EX), 0);
+        QVERIFY(!m_link->open());
+        QVERIFY(!m_link->isOpen());
+        QCOMPARE(m_link->openFailure(), OpenFailure::InUse);
+        ::close(program);
         QVERIFY(m_link->open());
-        m_link->setPortName("elsewhere"); // the open device stays
-        QVERIFY(!other.open());
-        QCOMPARE(other.openFailure(), OpenFailure::InUse);
-        other.setPeer(*m_link);
-        QVERIFY(!other.open());
-        QCOMPARE(other.openFailure(), OpenFailure::OurOwn);
-        m_link->close();
-        QVERIFY(other.open());
     }
 
     void vanishedDeviceIsReportedOnceAndClosed()
