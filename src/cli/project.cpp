@@ -134,10 +134,11 @@ QString stateOf(const QString &path)
     return QString("%1 %2").arg(info.lastModified().toMSecsSinceEpoch()).arg(info.size());
 }
 
-int numberIn(const QString &path)
+/// Whether `number`, as it is written, is one for `kind`.
+bool isNumberOf(Kind kind, Model model, const QString &number)
 {
-    const QString digits = leadingDigits(path);
-    return digits.isEmpty() ? -1 : digits.toInt();
+    const int numbers = numbersOf(kind, model);
+    return numbers == 0 || wholeNumber(number, 0, numbers - 1);
 }
 
 /// The numbers that k7.ini gives to files, by their names; -1 leaves a file out.
@@ -186,17 +187,16 @@ void Project::add(const QString &path, std::optional<ProjectFile::Kind> kind,
     if (!kind)
         throw Failure{ExitCode::usage, QString("%1: what kind of file is this?").arg(path),
                       "Say it with --as flash, picture, bmp, icon or os."};
-    ProjectFile file{*kind, path, name,         number.value_or(numberIn(path)), {}, {},
+    const QString written = number ? QString::number(*number) : leadingDigits(path);
+    ProjectFile file{*kind, path, name,         wholeNumber(written).value_or(-1), {}, {},
                      {},    0,    stateOf(path)};
-    const int numbers = numbersOf(*kind, m_model);
-    if (numbers > 0 && (file.number < 0 || file.number >= numbers))
+    if (!isNumberOf(*kind, m_model, written))
         throw Failure{ExitCode::usage,
                       QString("%1 has %2")
-                          .arg(path, file.number < 0 ? "no number"
-                                                     : QString("the number %1").arg(file.number)),
+                          .arg(path, written.isEmpty() ? "no number" : "the number " + written),
                       QString("Numbers are 0 to %1: at the start of its name, behind it as "
                               "FILE=NUMBER, or in k7.ini.")
-                          .arg(numbers - 1)};
+                          .arg(numbersOf(*kind, m_model) - 1)};
     if (isFlash(*kind))
         fillFlash(file);
     else if (*kind == Kind::Picture)
@@ -255,15 +255,20 @@ void Project::addFolder(const QString &folder, const QString &glob, bool takesOs
         if (name == "k7.ini" || (!glob.isEmpty() && !wanted.match(name).hasMatch()))
             continue;
         const auto kind = kindOf(QFileInfo(name).fileName());
-        const int number = numbers.value(name, numberIn(name));
+        const auto given =
+            numbers.contains(name) ? std::optional(numbers.value(name)) : std::nullopt;
+        const QString digits = leadingDigits(name);
+        const bool isNumbered = kind && *kind != Kind::Os;
         if (!kind)
             m_leftOut.append({name, "no kind of file that a module holds"});
         else if (*kind == Kind::Os && !takesOs)
             m_leftOut.append({name, "an operating system is sent with `k7 send` alone"});
-        else if (*kind != Kind::Os && number < 0)
+        else if (isNumbered && (given ? *given < 0 : digits.isEmpty()))
             m_leftOut.append({name, "no number in its name or in k7.ini"});
+        else if (isNumbered && !given && !isNumberOf(*kind, m_model, digits))
+            m_leftOut.append({name, QString("a module has no number %1").arg(digits)});
         else
-            add(dir.filePath(name), kind, number);
+            add(dir.filePath(name), kind, given);
     }
 }
 

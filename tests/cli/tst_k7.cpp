@@ -168,6 +168,13 @@ private slots:
         QCOMPARE(run({"sync", "--dry-run", "--only", "*.png"}).lines.size(), 2);
     }
 
+    void numbersThatNoModuleHasAreLeftOut()
+    {
+        write("project/256_a.bin", randomBytes(4096));
+        write("project/20261122003045_a.bin", randomBytes(4096));
+        QCOMPARE(run({"sync", "--only", "2*"}).of("left out").size(), 2);
+    }
+
     void flashThatKeepsNothingIsTold()
     {
         setBehaviour(-1, true);
@@ -295,6 +302,7 @@ private slots:
     {
         write("project/8_no.png", "no picture");
         write("project/8_x.bin", randomBytes(4096));
+        write("project/20261122003045_backup.bin", randomBytes(4096));
         write("project/bad/k7.ini", "[project]\nrate=5\n");
         write("config/k7/devices.ini", "[other]\nid=0000000000000001\n");
         struct Row
@@ -314,6 +322,8 @@ private slots:
             {{"sync", "bad"}, 2, "rate"},
             {{"send", "logo.txt"}, 2, "logo.txt"},
             {{"send", "logo.png=256"}, 2, "the number 256"},
+            {{"send", "20261122003045_backup.bin"}, 2, "the number 20261122003045"},
+            {{"check", "20261122003045_backup.bin"}, 2, "the number 20261122003045"},
             {{"sync", "nowhere"}, 3, "nowhere"},
             {{"send", "8_no.png"}, 3, "not picture"},
             {{"send", "7_ui.ICO", "8_x.bin"}, 3, "both need flash block 8"},
