@@ -2,11 +2,13 @@
 
 #include "cli/commands.h"
 #include "cli/console.h"
+#include "cli/each_device.h"
 #include "cli/failure.h"
 #include "cli/ini_file.h"
 
 #include <CLI/CLI.hpp>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QStandardPaths>
 
@@ -43,6 +45,43 @@ DeviceValues userValues(const QString &name)
                           .arg(devicesFile(),
                                sections.isEmpty() ? QString("none") : sections.keys().join(", "))};
     return sections.value(name);
+}
+
+/// What the environment says of the device.
+DeviceValues environmentValues()
+{
+    DeviceValues values;
+    for (const auto &[name, variable] :
+         {std::pair("device", "K7_DEVICE"), {"uart2", "K7_UART2"}, {"ed2", "K7_ED2"}}) {
+        const QString text = qEnvironmentVariable(variable);
+        if (!text.isEmpty())
+            values.insert(name, text);
+    }
+    return values;
+}
+
+/// All that is said of the device: by the options that were `typed`, by the `project`, and by what
+/// lies outside of both. The first that says something counts, as docs/command-line.md has them.
+DeviceValues allValues(const DeviceValues &typed, const DeviceValues &project)
+{
+    DeviceValues others = overlaid(project, environmentValues());
+    if (!typed.contains("device")) {
+        const DeviceValues said = overlaid(others, typed);
+        return overlaid(userValues(said.value("device")), said);
+    }
+    const DeviceValues device = userValues(typed.value("device"));
+    const QString wanted = project.value("id");
+    if (!wanted.isEmpty() && device.value("id", wanted).compare(wanted, Qt::CaseInsensitive) != 0)
+        throw Failure{ExitCode::usage,
+                      QString("the project is for the device ID %1, and \"%2\" has %3")
+                          .arg(wanted, typed.value("device"), device.value("id")),
+                      "Choose the other device, or correct the id of k7.ini or devices.ini."};
+    // Ports of another source may lead to another module.
+    if (device.contains("uart2") || device.contains("ed2")) {
+        others.remove("uart2");
+        others.remove("ed2");
+    }
+    return overlaid(overlaid(others, device), typed);
 }
 
 } // namespace
@@ -90,17 +129,15 @@ int Cli::refusal(const CLI::App &app, const CLI::ParseError &error)
 void Cli::addOptions(CLI::App &app)
 {
     Options &options = m_options;
-    app.add_option("--device", options.device, "A device of devices.ini, or several: a,b")
-        ->envname("K7_DEVICE")
+    app.add_option("--device", options.device,
+                   "A device of devices.ini, or several: a,b; else K7_DEVICE")
         ->type_name("NAME")
         ->group(deviceGroup);
     app.add_option("--uart2", options.uart2,
-                   "The port of the UART2 link; the only one if not given")
-        ->envname("K7_UART2")
+                   "The port of the UART2 link; else K7_UART2, or the only one")
         ->type_name("PORT[@RATE]")
         ->group(deviceGroup);
-    app.add_option("--ed2", options.ed2, "The port of the fast ED2 link")
-        ->envname("K7_ED2")
+    app.add_option("--ed2", options.ed2, "The port of the fast ED2 link; else K7_ED2")
         ->type_name("PORT[@RATE]")
         ->group(deviceGroup);
     app.add_option("--header", options.header, "The first two bytes of frames (default 5AA5)")
@@ -146,7 +183,19 @@ void Cli::applyOptions()
 
 QStringList Cli::deviceNames() const
 {
-    return console::decoded(m_options.device).split(',', Qt::SkipEmptyParts);
+    const DeviceValues said = overlaid(environmentValues(), givenValues());
+    return said.value("device").split(',', Qt::SkipEmptyParts);
+}
+
+int Cli::runOnEach(QStringList devices)
+{
+    if (!m_options.uart2.empty() || !m_options.ed2.empty())
+        throw Failure{ExitCode::usage,
+                      "--uart2 and --ed2 are the ports of one device, not of several",
+                      "Leave them out: devices.ini tells the ports of each."};
+    if (devices.removeDuplicates() > 0)
+        throw Failure{ExitCode::usage, "a device is named twice", "Name each of them once."};
+    return runOnEachDevice(devices, QCoreApplication::arguments().mid(1), m_report);
 }
 
 void Cli::useProject(const QString &folder)
@@ -175,9 +224,7 @@ const Device &Cli::device()
 {
     if (!m_device) {
         const DeviceValues project = readIniFile(m_project + "/k7.ini").value("project");
-        const DeviceValues ours = overlaid(project, givenValues());
-        m_device =
-            std::make_unique<Device>(deviceFrom(overlaid(userValues(ours.value("device")), ours)));
+        m_device = std::make_unique<Device>(deviceFrom(allValues(givenValues(), project)));
     }
     return *m_device;
 }
@@ -205,7 +252,8 @@ int Cli::runCommand()
     if (!m_command)
         return m_report.fail(ExitCode::usage, "a command is missing", "See `k7 --help`.");
     try {
-        return m_command();
+        const QStringList devices = deviceNames();
+        return devices.size() > 1 ? runOnEach(devices) : m_command();
     } catch (const Failure &failure) {
         return m_report.fail(failure.code, failure.cause, failure.remedy);
     }

@@ -39,14 +39,12 @@ public:
     /// Reads the command line, once: the words behind the name of the program, the last one first.
     /// The exit code where that is all.
     std::optional<int> read(std::vector<std::string> words);
-    /// The devices that the user named, in their order; usually one or none.
-    QStringList deviceNames() const;
 
     /// The folder whose k7.ini counts; the current one unless a command chooses another.
     void useProject(const QString &folder);
     const QString &project() const { return m_project; }
     /// The device, as the command line, the environment, the project and the user's devices.ini
-    /// tell, the first of them first.
+    /// tell.
     const Device &device();
     /// The size of the screen: `given` if that is not empty, else what the device says.
     std::optional<QSize> screen(const QString &given);
@@ -59,7 +57,8 @@ public:
     /// What to run once the command line has been read; the result is the exit code. Called in the
     /// callback of a subcommand.
     void setCommand(Command command) { m_command = std::move(command); }
-    /// Runs it, and tells why it failed if it did.
+    /// Runs it, in a process for each device where the user named several, and tells why it failed
+    /// if it did.
     int runCommand();
 
     /// The command draws glyphs, which takes a QGuiApplication; without a display.
@@ -87,6 +86,9 @@ private:
     void addOptions(CLI::App &app);
     void applyOptions();
     int refusal(const CLI::App &app, const CLI::ParseError &error);
+    /// The devices that the user named, in their order; usually one or none.
+    QStringList deviceNames() const;
+    int runOnEach(QStringList devices);
     DeviceValues givenValues() const;
 
     const std::function<Links()> m_links;

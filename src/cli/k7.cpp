@@ -1,6 +1,5 @@
 #include "cli/cli.h"
 #include "cli/console.h"
-#include "cli/each_device.h"
 #include "cli/interrupt.h"
 #include "common/qt_remarks.h"
 
@@ -38,7 +37,5 @@ int main(int argc, char *argv[])
     const auto application = makeApplication(argc, argv, cli.drawsText());
     useUtf8WithoutLocale();
     interrupt::watch();
-    if (cli.deviceNames().size() > 1)
-        return runOnEachDevice(cli.deviceNames(), application->arguments().mid(1), cli.report());
     return cli.runCommand();
 }

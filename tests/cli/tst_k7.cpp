@@ -304,7 +304,10 @@ private slots:
         write("project/8_x.bin", randomBytes(4096));
         write("project/20261122003045_backup.bin", randomBytes(4096));
         write("project/bad/k7.ini", "[project]\nrate=5\n");
-        write("config/k7/devices.ini", "[other]\nid=0000000000000001\n");
+        write("project/strict/k7.ini", "[project]\nid=0000000000000002\n");
+        write("config/k7/devices.ini", "[other]\nid=0000000000000001\n[far]\nuart2=/dev/far\n"
+                                       "[half]\nuart2=" +
+                                           m_module->uartPath().toUtf8() + '\n');
         struct Row
         {
             QStringList arguments;
@@ -319,6 +322,9 @@ private slots:
             {{"--uart2", "x@230400", "info"}, 2, "x@230400"},
             {{"--header", "5A", "info"}, 2, "5A"},
             {{"--device", "bench", "info"}, 2, "bench"},
+            {{"--device", "other,far", "--ed2", "x", "info"}, 2, "--ed2"},
+            {{"--device", "far,far", "info"}, 2, "twice"},
+            {{"--device", "other", "sync", "strict"}, 2, "2, and \"other\" has 0000000000000001"},
             {{"sync", "bad"}, 2, "rate"},
             {{"send", "logo.txt"}, 2, "logo.txt"},
             {{"send", "logo.png=256"}, 2, "the number 256"},
@@ -328,6 +334,8 @@ private slots:
             {{"send", "8_no.png"}, 3, "not picture"},
             {{"send", "7_ui.ICO", "8_x.bin"}, 3, "both need flash block 8"},
             {{"--uart2", "/dev/none", "info"}, 4, "there is no port /dev/none"},
+            {{"--device", "far", "info"}, 4, "there is no port /dev/far"},
+            {{"--device", "half", "send", "8_x.bin"}, 4, "no port is named for ED2"},
             {{"--device", "other", "page", "7"}, 4, "0123456789abcdef"},
             {{"--uart2", m_module->uartPath() + "@9600", "info"}, 5, "9600 bit/s"},
             {{"--header", "1234", "page", "7"}, 5, "12 34 07 82 00 84 5A 01 00 07"},
