@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "serial/device_values.h"
 
 #include <memory>
 
@@ -45,12 +46,19 @@ int send(Cli &cli, const Samples &samples)
         ++channels;
         count = size;
     }
+    // Nobody acknowledges curves: whether there is a module is found out before.
+    module.readVp(deviceValues::version.address, deviceValues::version.words);
     const int atOnce = module.engine().mirrors().maxDataBytes() / 2 / channels;
     for (int from = 0; from < count; from += atOnce) {
         Samples part;
         for (size_t channel = 0; channel < samples.size(); ++channel)
             part[channel] = samples[channel].mid(from, atOnce);
-        module.run(Connection::Link::Uart2, {}, [&] { module.engine().sendCurve(part, mask); });
+        bool fits = false;
+        module.run(Connection::Link::Uart2, {},
+                   [&] { fits = module.engine().sendCurve(part, mask); });
+        if (!fits)
+            throw Failure{ExitCode::usage, "the samples do not fit into a frame",
+                          "Send fewer of them at a time."};
     }
     cli.report().result({{"type", "curve"}, {"channels", channels}, {"samples", count}}, {});
     cli.report().detail("sent; the module does not acknowledge curves");

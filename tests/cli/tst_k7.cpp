@@ -289,6 +289,19 @@ private slots:
         QCOMPARE(module().restarts(), 1);
     }
 
+    void curvesFillTheirFrames()
+    {
+        k7::ModuleSettings settings;
+        settings.format.crcEnabled = true;
+        m_module = std::make_unique<k7::Simulator>(settings, m_time.get());
+        QVERIFY(m_module->start(k7::Way::InProcess));
+        QStringList command{"--uart2", m_module->uartPath(), "--crc", "curve", "-c", "0"};
+        for (int sample = 0; sample < 300; ++sample)
+            command.append(QString::number(sample));
+        QCOMPARE(run(command).code, 0);
+        QCOMPARE(module().curve(0).size(), 300);
+    }
+
     void jpegFilesAreShownAndStored()
     {
         paint("project/p.jpg", Qt::yellow);
@@ -338,6 +351,7 @@ private slots:
             {{"--device", "half", "send", "8_x.bin"}, 4, "no port is named for ED2"},
             {{"--device", "other", "page", "7"}, 4, "0123456789abcdef"},
             {{"--uart2", m_module->uartPath() + "@9600", "info"}, 5, "9600 bit/s"},
+            {{"--uart2", m_module->uartPath() + "@9600", "curve", "-c", "0", "1"}, 5, "no reply"},
             {{"--header", "1234", "page", "7"}, 5, "12 34 07 82 00 84 5A 01 00 07"},
         };
         for (const Row &row : rows) {
