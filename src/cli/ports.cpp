@@ -1,7 +1,7 @@
 #include "cli/ports.h"
 
-#include <QCoreApplication>
-#include <QDir>
+#include "serial/serial_device.h"
+
 #include <QFileInfo>
 
 namespace ports {
@@ -52,27 +52,6 @@ QString only()
     return names.first();
 }
 
-QStringList holders(const QString &port)
-{
-    const QString device = QFileInfo(deviceOf(port)).canonicalFilePath();
-    QStringList found;
-    if (device.isEmpty())
-        return found;
-    for (const QString &process : QDir("/proc").entryList(QDir::Dirs)) {
-        if (process.toInt() == 0 || process.toLongLong() == QCoreApplication::applicationPid())
-            continue;
-        const QDir files("/proc/" + process + "/fd");
-        const QFileInfoList open = files.entryInfoList(QDir::AllEntries | QDir::System);
-        const bool holds = std::any_of(open.begin(), open.end(), [&device](const QFileInfo &file) {
-            return file.symLinkTarget() == device;
-        });
-        QFile name("/proc/" + process + "/comm");
-        if (holds && name.open(QIODevice::ReadOnly))
-            found.append(QString("%1 (%2)").arg(QString(name.readAll()).trimmed(), process));
-    }
-    return found;
-}
-
 Failure openFailure(const QString &link, const QString &port, OpenFailure reason)
 {
     const QString name = QString("%1 of %2").arg(port, link);
@@ -81,7 +60,7 @@ Failure openFailure(const QString &link, const QString &port, OpenFailure reason
         return {ExitCode::noPort, QString("there is no port %1").arg(name),
                 "Plug the adapter in, or choose another port; `k7 ports` lists them."};
     case OpenFailure::InUse: {
-        const QStringList programs = holders(port);
+        const QStringList programs = serialDevice::holders(port);
         return {ExitCode::noPort,
                 QString("the port %1 is in use by %2")
                     .arg(name, programs.isEmpty() ? "another program" : programs.join(", ")),

@@ -5,7 +5,6 @@
 
 #include <QSerialPortInfo>
 #include <QString>
-#include <QStringList>
 
 /// The ports of this computer, as the user names them.
 namespace ports {
@@ -17,10 +16,6 @@ QString resolved(const QString &given);
 
 /// The only port of the system. Throws a Failure where there is none, or a choice.
 QString only();
-
-/// The programs that hold the device of `port`, such as "picocom (4711)", as far as the system
-/// tells.
-QStringList holders(const QString &port);
 
 /// Why `port`, of the link `link`, was not opened.
 Failure openFailure(const QString &link, const QString &port, OpenFailure reason);

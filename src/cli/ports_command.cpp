@@ -1,9 +1,10 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
-#include "cli/ports.h"
+#include "serial/serial_device.h"
 
 #include <QJsonArray>
+#include <QSerialPortInfo>
 
 void addPorts(CLI::App &app, Cli &cli)
 {
@@ -11,7 +12,7 @@ void addPorts(CLI::App &app, Cli &cli)
     command->callback([&cli] {
         cli.setCommand([&cli] {
             for (const QSerialPortInfo &port : QSerialPortInfo::availablePorts()) {
-                const QStringList holders = ports::holders(port.portName());
+                const QStringList holders = serialDevice::holders(port.portName());
                 QStringList columns{port.portName()};
                 for (const QString &text : {port.description(), port.serialNumber()})
                     columns.append(text.isEmpty() ? "-" : text);

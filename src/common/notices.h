@@ -8,8 +8,8 @@ class Notices
 public:
     virtual ~Notices() = default;
 
-    /// Shows `text`, with `argument` in place of its %1, until the user confirms it; `detail`,
-    /// where given, stands below it. Events, ticks among them, go on meanwhile: whatever the
+    /// Shows `text` until the user confirms it; `detail`, where given, stands below it. `argument`
+    /// takes the place of %1 in both. Events, ticks among them, go on meanwhile: whatever the
     /// message reports must be final before.
     virtual void warn(const Text &text, const Text *detail = nullptr,
                       const QString &argument = QString()) = 0;

@@ -79,6 +79,9 @@ inline constexpr Text noSuchPort{
     "没有这个串口。请插好适配器，或在串口设置中选择其他串口。"};
 inline constexpr Text portInUse{"Another program is using the port. Close that program first.",
                                 "串口正被其他程序占用。请先关闭该程序。"};
+inline constexpr Text portHeldBy{"Another program is using the port. Close that program first.\n"
+                                 "It is held by %1.",
+                                 "串口正被其他程序占用。请先关闭该程序。\n占用它的程序：%1。"};
 inline constexpr Text portIsOurOwn{
     "The tool itself has the port open, for its other link. Choose different ports for UART2 and "
     "ED2 in the serial settings. An ED2 port that a stopped download left open is closed when the "

@@ -28,7 +28,11 @@ bool Step::ensureOpen()
     // What the step has reached stays: it has not begun.
     session().commandType = commandType::idle;
     emit m_line.reports.ended(m_commandType, Outcome::NotOpened);
-    m_line.notices.warn(texts::serialOpeningFailed, &cause(m_line.link.openFailure()));
+    const OpenFailure failure = m_line.link.openFailure();
+    const QString holders =
+        failure == OpenFailure::InUse ? m_line.link.holders().join(", ") : QString();
+    m_line.notices.warn(texts::serialOpeningFailed,
+                        holders.isEmpty() ? &cause(failure) : &texts::portHeldBy, holders);
     return false;
 }
 

@@ -55,6 +55,11 @@ bool QtSerialLink::open()
     return true;
 }
 
+QStringList QtSerialLink::holders() const
+{
+    return serialDevice::holders(m_name);
+}
+
 void QtSerialLink::close()
 {
     // Closing drops what Qt has not yet handed to the driver.

@@ -20,6 +20,7 @@ public:
     bool open() override;
     bool isOpen() const override { return m_port.isOpen(); }
     OpenFailure openFailure() const override { return m_openFailure; }
+    QStringList holders() const override;
     void close() override;
     void abandon() override;
     void write(const QByteArray &bytes) override;

@@ -2,6 +2,7 @@
 
 #include <QSerialPort>
 #include <QString>
+#include <QStringList>
 
 /// What the system knows of a serial device, and Qt does not tell. Each system has a file of its
 /// own.
@@ -27,5 +28,8 @@ void handToDriver(QSerialPort &port);
 bool isForbidden(const QString &name);
 /// Whether both names lead to one device.
 bool isSame(const QString &name, const QString &otherName);
+/// The other programs that hold the device that is called `name`, such as "picocom (4711)" with the
+/// process ID, as far as the system tells.
+QStringList holders(const QString &name);
 
 } // namespace serialDevice

@@ -1,7 +1,10 @@
 #include "serial/serial_device.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <poll.h>
 #include <sys/file.h>
@@ -64,4 +67,25 @@ bool serialDevice::isForbidden(const QString &name)
 bool serialDevice::isSame(const QString &name, const QString &otherName)
 {
     return deviceFile(name) == deviceFile(otherName);
+}
+
+QStringList serialDevice::holders(const QString &name)
+{
+    const QString device = deviceFile(name).canonicalFilePath();
+    QStringList found;
+    if (device.isEmpty())
+        return found;
+    for (const QString &process : QDir("/proc").entryList(QDir::Dirs)) {
+        if (process.toInt() == 0 || process.toLongLong() == QCoreApplication::applicationPid())
+            continue;
+        const QDir files("/proc/" + process + "/fd");
+        const QFileInfoList open = files.entryInfoList(QDir::AllEntries | QDir::System);
+        const bool holds = std::any_of(open.begin(), open.end(), [&device](const QFileInfo &file) {
+            return file.symLinkTarget() == device;
+        });
+        QFile program("/proc/" + process + "/comm");
+        if (holds && program.open(QIODevice::ReadOnly))
+            found.append(QString("%1 (%2)").arg(QString(program.readAll()).simplified(), process));
+    }
+    return found;
 }

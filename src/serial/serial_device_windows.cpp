@@ -69,3 +69,9 @@ bool serialDevice::isSame(const QString &name, const QString &otherName)
 {
     return bareName(name).compare(bareName(otherName), Qt::CaseInsensitive) == 0;
 }
+
+QStringList serialDevice::holders(const QString & /*name*/)
+{
+    // Windows tells nobody.
+    return {};
+}

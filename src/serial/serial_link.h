@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 /// Why a link could not be opened.
 enum class OpenFailure {
@@ -33,6 +34,8 @@ public:
     virtual bool isOpen() const = 0;
     /// Why the last open() that left the link closed failed.
     virtual OpenFailure openFailure() const = 0;
+    /// The other programs that hold the port, such as "picocom (4711)", as far as the system tells.
+    virtual QStringList holders() const { return {}; }
     /// Whatever was written goes out all the same.
     virtual void close() = 0;
     /// Closes the port without waiting: what the device does not take at once is lost.

@@ -111,13 +111,18 @@ private slots:
             const Row row(type);
             Bench bench;
             bench.link.canOpen = false;
+            QString cause = "Another program is using the port. Close that program first.";
+            if (type == unanswered) {
+                bench.link.programs = QStringList{"picocom (4711)", "k7 (12)"};
+                cause += "\nIt is held by picocom (4711), k7 (12).";
+            }
             bench.notices.whileOpen = [&bench] {
                 QCOMPARE(bench.session.commandType, commandType::idle);
                 bench.tick(10);
             };
             bench.run(type, 200);
             QCOMPARE(bench.notices.shown, QStringList{"Serial opening failed !"});
-            QVERIFY(bench.notices.details.first().startsWith("Another program is using the port."));
+            QCOMPARE(bench.notices.details, QStringList{cause});
             QVERIFY(bench.link.written.isEmpty());
         }
     }

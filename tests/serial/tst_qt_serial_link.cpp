@@ -2,15 +2,13 @@
 #include "simulator/pseudo_terminal.h"
 #include "support/event_loop.h"
 
+#include <QProcess>
 #include <QSignalSpy>
 #include <QSocketNotifier>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 class TestQtSerialLink : public QObject
 {
@@ -141,12 +139,17 @@ private slots:
 
     void portThatAProgramLockedIsLeftAlone()
     {
-        const int program = ::open(qPrintable(m_terminal->path()), O_RDWR | O_NOCTTY);
-        QCOMPARE(::flock(program, LOCK_EX), 0);
+        QProcess program;
+        program.start("flock", {m_terminal->path(), "cat"});
+        program.write("locked");
+        QVERIFY(program.waitForReadyRead());
         QVERIFY(!m_link->open());
         QVERIFY(!m_link->isOpen());
         QCOMPARE(m_link->openFailure(), OpenFailure::InUse);
-        ::close(program);
+        const QString holder = QString("flock (%1)").arg(program.processId());
+        QVERIFY2(m_link->holders().contains(holder), qPrintable(m_link->holders().join(' ')));
+        program.closeWriteChannel();
+        QVERIFY(program.waitForFinished());
         QVERIFY(m_link->open());
     }
 

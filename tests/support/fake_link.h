@@ -11,6 +11,7 @@ class FakeLink final : public SerialLink
 {
 public:
     bool canOpen = true;
+    QStringList programs; ///< that hold the port
     QString name;
     int rate = 0;
     int opens = 0;
@@ -30,6 +31,7 @@ public:
     }
     bool isOpen() const override { return m_isOpen; }
     OpenFailure openFailure() const override { return OpenFailure::InUse; }
+    QStringList holders() const override { return programs; }
     void close() override
     {
         m_isOpen = false;

@@ -16,8 +16,8 @@ public:
 
     void warn(const Text &text, const Text *detail, const QString &argument) override
     {
-        shown.append(argument.isNull() ? text.in(true) : text.in(true).arg(argument));
-        details.append(detail ? detail->in(true) : QString());
+        shown.append(text.in(true).replace("%1", argument));
+        details.append(detail ? detail->in(true).replace("%1", argument) : QString());
         if (whileOpen)
             whileOpen();
     }
