@@ -23,12 +23,17 @@ QtSerialLink::QtSerialLink(QObject *parent) : SerialLink(parent)
     connect(&m_port, &QSerialPort::errorOccurred, this, &QtSerialLink::onError);
 }
 
+QtSerialLink::~QtSerialLink()
+{
+    closePort();
+}
+
 void QtSerialLink::setBaudRate(int rate)
 {
     if (m_port.setBaudRate(rate))
         return;
     // Going on at the old rate would hide that. A closed port takes any rate, and fails to open.
-    m_port.close();
+    closePort();
     m_port.setBaudRate(rate);
     QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
 }
@@ -52,6 +57,7 @@ bool QtSerialLink::open()
     }
     // What arrived while the link was closed answers nothing that is asked from now on.
     m_port.clear(QSerialPort::Input);
+    m_isLatencyLowered = serialDevice::lowerLatency(m_port);
     return true;
 }
 
@@ -73,7 +79,16 @@ void QtSerialLink::abandon()
     if (!m_port.isOpen())
         return;
     m_port.flush();
-    m_port.close();
+    closePort();
+}
+
+void QtSerialLink::closePort()
+{
+    if (m_isLatencyLowered)
+        serialDevice::restoreLatency(m_port);
+    m_isLatencyLowered = false;
+    if (m_port.isOpen())
+        m_port.close();
 }
 
 void QtSerialLink::write(const QByteArray &bytes)
@@ -108,7 +123,7 @@ void QtSerialLink::onError(QSerialPort::SerialPortError error)
         return;
     }
     // Until it is closed, a port without its device reports errors without end.
-    m_port.close();
+    closePort();
     // Later, because whoever hears it may show a box while the port's own code is still running.
     QMetaObject::invokeMethod(this, &SerialLink::lost, Qt::QueuedConnection);
 }

@@ -11,6 +11,7 @@ class QtSerialLink final : public SerialLink
 
 public:
     explicit QtSerialLink(QObject *parent = nullptr);
+    ~QtSerialLink() override;
 
     /// The tool's other link, which may be what keeps this one from its port.
     void setPeer(const QtSerialLink &peer) { m_peer = &peer; }
@@ -29,6 +30,7 @@ public:
     void poll() override;
 
 private:
+    void closePort();
     void onError(QSerialPort::SerialPortError error);
     OpenFailure causeOf(QSerialPort::SerialPortError error) const;
     bool isHeldByPeer() const;
@@ -36,5 +38,6 @@ private:
     QSerialPort m_port{this};
     QString m_name;
     const QtSerialLink *m_peer = nullptr;
+    bool m_isLatencyLowered = false;
     OpenFailure m_openFailure = OpenFailure::NoSuchPort;
 };

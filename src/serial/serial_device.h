@@ -14,6 +14,10 @@ QString deviceOf(const QString &name);
 /// Keeps other programs from the open port, also those that the system would let in, as it does
 /// with those of root. False where another program does so already.
 bool lock(const QSerialPort &port);
+/// Asks the driver of the open port to pass on at once what arrives, which adapters hold back for
+/// some 16 ms otherwise. Whether that changed anything, which restoreLatency() is to undo then.
+bool lowerLatency(const QSerialPort &port);
+void restoreLatency(const QSerialPort &port);
 /// Whether bytes wait in the device of the open port right now.
 bool hasInput(const QSerialPort &port);
 /// How many bytes that were written to the open port wait in Qt or in the driver, as far as it

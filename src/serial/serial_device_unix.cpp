@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <linux/serial.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -16,6 +17,17 @@ bool isInState(int descriptor, short events)
 {
     pollfd device{descriptor, events, 0};
     return ::poll(&device, 1, 0) > 0 && (device.revents & events) != 0;
+}
+
+/// False where the driver knows no low latency, refuses it, or has it so already.
+bool setLowLatency(int descriptor, bool isLow)
+{
+    constexpr auto flag = static_cast<int>(ASYNC_LOW_LATENCY);
+    serial_struct settings{};
+    if (::ioctl(descriptor, TIOCGSERIAL, &settings) != 0 || isLow == ((settings.flags & flag) != 0))
+        return false;
+    settings.flags ^= flag;
+    return ::ioctl(descriptor, TIOCSSERIAL, &settings) == 0;
 }
 
 QFileInfo deviceFile(const QString &name)
@@ -35,6 +47,16 @@ bool serialDevice::lock(const QSerialPort &port)
 {
     // Closing the port unlocks it. A device that knows no locks is nobody's.
     return ::flock(port.handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+bool serialDevice::lowerLatency(const QSerialPort &port)
+{
+    return setLowLatency(port.handle(), true);
+}
+
+void serialDevice::restoreLatency(const QSerialPort &port)
+{
+    setLowLatency(port.handle(), false);
 }
 
 bool serialDevice::hasInput(const QSerialPort &port)

@@ -26,6 +26,14 @@ bool serialDevice::lock(const QSerialPort & /*port*/)
     return true;
 }
 
+bool serialDevice::lowerLatency(const QSerialPort & /*port*/)
+{
+    // It is a setting of each driver's own, for the administrator.
+    return false;
+}
+
+void serialDevice::restoreLatency(const QSerialPort & /*port*/) {}
+
 bool serialDevice::hasInput(const QSerialPort &port)
 {
     COMSTAT state{};
