@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 /// What the system knows of a serial device, and Qt does not tell. Each system has a file of its
 /// own.
 namespace serialDevice {
@@ -35,5 +37,8 @@ bool isSame(const QString &name, const QString &otherName);
 /// The other programs that hold the device that is called `name`, such as "picocom (4711)" with the
 /// process ID, as far as the system tells.
 QStringList holders(const QString &name);
+/// How long the adapter that is called `name` holds bytes back that arrive, in milliseconds;
+/// nothing where the system does not tell.
+std::optional<int> latency(const QString &name);
 
 } // namespace serialDevice

@@ -111,3 +111,12 @@ QStringList serialDevice::holders(const QString &name)
     }
     return found;
 }
+
+std::optional<int> serialDevice::latency(const QString &name)
+{
+    QFile file("/sys/class/tty/" + QFileInfo(deviceOf(name)).fileName() + "/device/latency_timer");
+    bool isNumber = false;
+    const int milliseconds =
+        file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toInt(&isNumber) : 0;
+    return isNumber ? std::optional(milliseconds) : std::nullopt;
+}

@@ -28,7 +28,7 @@ bool serialDevice::lock(const QSerialPort & /*port*/)
 
 bool serialDevice::lowerLatency(const QSerialPort & /*port*/)
 {
-    // It is a setting of each driver's own, for the administrator.
+    // It is a setting of each driver's own, in the device manager.
     return false;
 }
 
@@ -82,4 +82,10 @@ QStringList serialDevice::holders(const QString & /*name*/)
 {
     // Windows tells nobody.
     return {};
+}
+
+std::optional<int> serialDevice::latency(const QString & /*name*/)
+{
+    // It is a setting of each driver's own.
+    return std::nullopt;
 }

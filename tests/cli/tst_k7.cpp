@@ -405,6 +405,7 @@ private slots:
                 const QString kind = members.value(name).toString();
                 const QJsonValue value = object.value(name);
                 const bool fits = (kind.startsWith("number") && value.isDouble()) ||
+                                  (kind.contains("null") && value.isNull()) ||
                                   (kind.startsWith("text") && value.isString()) ||
                                   (kind.startsWith("list") && value.isArray()) ||
                                   (kind.startsWith("truth") && value.isBool()) ||
