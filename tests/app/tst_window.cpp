@@ -264,6 +264,8 @@ private slots:
 
     void pulledAdapterIsReportedOnceAndTheToolGoesOn()
     {
+        auto *ports = m_dialog->findChild<SerialSet *>()->findChild<QComboBox *>();
+        ports->addItem("of old"); // is no longer there as soon as the ports are listed anew
         k7::Behaviour unplugged;
         unplugged.hangUpAfter = 0;
         m_simulator->setBehaviour(unplugged);
@@ -272,11 +274,13 @@ private slots:
         finishExchange();
         QCOMPARE(m_boxes->texts.size(), 1);
 
+        // The port comes back under its name; nobody has to choose it again.
         m_simulator->setBehaviour({});
         QVERIFY(m_simulator->start(k7::Way::InProcess));
-        m_dialog->offerPorts({m_simulator->uartPath()});
         click("readVersion");
         COMPARE_SOON(line("displayVersion"), QString("GUI:V4.5 OS:V2.1"));
+        QCOMPARE(ports->currentText(), m_simulator->uartPath());
+        QVERIFY(ports->findText("of old") > 0);
     }
 
     void logShowsNoEmptyLineAndHasAnEnd()

@@ -173,6 +173,12 @@ private slots:
         QVERIFY(QFile::remove(name));
         QVERIFY(!m_link->open());
         QCOMPARE(m_link->openFailure(), OpenFailure::NoSuchPort);
+        // Another device that gets the name is taken for it.
+        QVERIFY(m_terminal->open());
+        QVERIFY(QFile::link(m_terminal->path(), name));
+        QVERIFY(m_link->open());
+        m_terminal->write("back");
+        COMPARE_SOON(m_received, QByteArray("back"));
     }
 
     void readThatFindsNothingIsNoLoss()
