@@ -98,6 +98,8 @@ Options readOptions(const QCoreApplication &application)
         {"silent", "Never reply."},
         {"noise", "Send garbage before each reply."},
         {"split", "Send replies in pieces of <bytes> bytes; 0: whole.", "bytes", "0"},
+        {"latency", "Gather bytes for <ms> milliseconds, as a USB adapter does.", "ms", "0"},
+        {"jitter", "Hold each piece of a reply back for up to <ms> milliseconds.", "ms", "0"},
         {"hang-up-after", "Unplug the module after <bytes> received bytes.", "bytes"},
         {"dump", "Write the module's memory to folder <dir> at the end.", "dir"},
     });
@@ -130,6 +132,8 @@ Options readOptions(const QCoreApplication &application)
     options.behaviour.noisy = parser.isSet("noise");
     readNumber("delay", parser.value("delay"), options.behaviour.delay);
     readNumber("split", parser.value("split"), options.behaviour.split);
+    readNumber("latency", parser.value("latency"), options.behaviour.latency);
+    readNumber("jitter", parser.value("jitter"), options.behaviour.jitter);
     if (parser.isSet("hang-up-after"))
         readNumber("hang-up-after", parser.value("hang-up-after"), options.behaviour.hangUpAfter);
     options.dumpFolder = parser.value("dump");

@@ -25,8 +25,9 @@ Wire *makeWire(Link link, Way way, QObject *parent)
 Simulator::Simulator(const ModuleSettings &settings, const SharedTime *time, QObject *parent)
     : QObject(parent)
     , m_module(settings)
-    , m_uart{Link::Uart2, LineQueue(settings.rate(Link::Uart2)), settings.rate(Link::Uart2)}
-    , m_ed2{Link::Ed2, LineQueue(settings.rate(Link::Ed2)), settings.rate(Link::Ed2)}
+    , m_uart{Link::Uart2, LineQueue(settings.rate(Link::Uart2)), settings.rate(Link::Uart2),
+             Adapter(1)}
+    , m_ed2{Link::Ed2, LineQueue(settings.rate(Link::Ed2)), settings.rate(Link::Ed2), Adapter(2)}
     , m_time(time)
 {
     m_module.setTrace([this](const QString &line) { emit traced(line); });
@@ -86,6 +87,8 @@ void Simulator::setBehaviour(const Behaviour &behaviour)
     m_behaviour = behaviour;
     m_module.setProgrammingTakesTime(behaviour.realTime);
     m_module.setFlashProtected(behaviour.flashProtected);
+    m_uart.replies.setWiring(behaviour);
+    m_ed2.replies.setWiring(behaviour);
 }
 
 void Simulator::configure(const ModuleSettings &settings)
@@ -174,7 +177,7 @@ void Simulator::deliver(Channel &channel, const QByteArray &bytes, qint64 arriva
         const qint64 onTheLine =
             m_behaviour.realTime ? channel.line.timeOf(sent.size()) / nanosecondsPerMillisecond : 0;
         channel.replies.enqueue(sent, (m_behaviour.delay + onTheLine) * nanosecondsPerMillisecond,
-                                m_behaviour.split, now());
+                                now());
     }
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "simulator/adapter.h"
 #include "simulator/line_queue.h"
 #include "simulator/module.h"
-#include "simulator/reply_queue.h"
 #include "simulator/shared_time.h"
 
 namespace k7 {
@@ -11,7 +11,7 @@ class DirectWire;
 class Wire;
 
 /// How well the module and its wiring behave.
-struct Behaviour
+struct Behaviour : Wiring
 {
     /// Milliseconds before each reply.
     int delay = 0;
@@ -19,8 +19,6 @@ struct Behaviour
     bool silent = false;
     /// Garbage goes before each reply. It never looks like part of a reply.
     bool noisy = false;
-    /// Replies come in pieces of that many bytes, a few milliseconds apart; 0 sends them whole.
-    int split = 0;
     /// Both links hang up when that many bytes have been received on them since start(); with 0 at
     /// the first byte, below 0 never.
     int hangUpAfter = -1;
@@ -87,8 +85,8 @@ private:
         Link link;
         LineQueue line;
         int heardRate; ///< of the last bytes
+        Adapter replies;
         Wire *wire = nullptr;
-        ReplyQueue replies{};
     };
 
     void plugIn(Channel &channel, Wire *wire);

@@ -148,9 +148,9 @@ private slots:
         start();
         Port port = uart();
         const Behaviour rows[] = {
-            {0, false, false, 1, -1, false}, {5, false, false, 4, -1, false},
-            {0, false, true, 0, -1, false},  {0, true, false, 0, -1, false},
-            {0, false, false, 0, -1, true},
+            {{1}, 0, false, false, -1, false}, {{4}, 5, false, false, -1, false},
+            {{}, 0, false, true, -1, false},   {{}, 0, true, false, -1, false},
+            {{}, 0, false, false, -1, true},   {{0, 3, 5}, 0, false, false, -1, false},
         };
         for (const Behaviour &behaviour : rows) {
             m_simulator->setBehaviour(behaviour);
@@ -205,6 +205,41 @@ private slots:
         QCOMPARE(line.takeArrived(1'000'000'000), QByteArray("e"));
         line.send("f", 2'000'000'000);
         QCOMPARE(line.takeArrived(2'000'000'001), QByteArray());
+    }
+
+    /// When the bytes of two replies of 100 bytes come, which the module sends 9 ms apart.
+    void adapterHoldsRepliesBack()
+    {
+        struct Row
+        {
+            k7::Wiring wiring;
+            int first, second, last, all; ///< bytes at 0, at 9 and until 15 ms, and at the end
+        };
+        const Row rows[] = {
+            {{}, 100, 200, 200, 200},
+            {{50}, 50, 150, 200, 200},    // 50 at 0, 2, 9 and 11 ms
+            {{0, 16}, 62, 186, 186, 200}, // the timer of the last 14 ends at 25 ms
+            {{0, 5}, 62, 162, 200, 200},  // that of the first 38 at 5 ms
+            {{0, 0, 0, 1000}, 0, 0, 0, 0},
+            {{0, 0, 0, 0, 1000}, 200, 400, 400, 400},
+            {{0, 0, 0, 0, 0, 1000}, 100, 200, 200, 200},
+        };
+        for (const Row &row : rows) {
+            k7::Adapter adapter(7);
+            adapter.setWiring(row.wiring);
+            QByteArray all;
+            QVector<int> counts;
+            for (const qint64 now : {0, 9, 15, 40}) {
+                const qint64 time = (1000 + now) * 1'000'000;
+                if (now == 0 || now == 9)
+                    adapter.enqueue(QByteArray(100, 'a'), 0, time);
+                for (QByteArray piece; !(piece = adapter.takeDue(time)).isEmpty();)
+                    all += piece;
+                counts.append(all.size());
+            }
+            QCOMPARE(counts, QVector<int>({row.first, row.second, row.last, row.all}));
+            QCOMPARE(all.count('a'), row.wiring.flipped > 0 ? 198 : row.all);
+        }
     }
 };
 
