@@ -27,6 +27,8 @@ constexpr char exitCodes[] =
 constexpr char deviceGroup[] = "Device";
 constexpr char outputGroup[] = "Output";
 
+constexpr int longestDelay = 60000; ///< of a simulated adapter, in milliseconds
+
 QString devicesFile()
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
@@ -147,7 +149,19 @@ void Cli::addOptions(CLI::App &app)
     app.add_option("--model", options.model, "K7UID1 (default), K7UID2 or K7UID3")
         ->type_name("MODEL")
         ->group(deviceGroup);
-    app.add_flag("--simulate", options.simulate, "Use a simulated module in this program")
+    auto *simulate =
+        app.add_flag("--simulate", options.simulate, "Use a simulated module in this program");
+    simulate->group(deviceGroup);
+    app.add_option("--latency", options.wiring.latency,
+                   "Its replies come as through an adapter that gathers bytes so long")
+        ->type_name("MS")
+        ->check(CLI::Range(0, longestDelay))
+        ->needs(simulate)
+        ->group(deviceGroup);
+    app.add_option("--jitter", options.wiring.jitter, "They come up to so much later")
+        ->type_name("MS")
+        ->check(CLI::Range(0, longestDelay))
+        ->needs(simulate)
         ->group(deviceGroup);
     app.add_option("--wait", options.wait, "Wait so long for a port that is absent or in use")
         ->type_name("SECONDS")
@@ -240,7 +254,7 @@ Connection &Cli::connection(Access access)
         m_connection = std::make_unique<Connection>(
             device(),
             Connection::Setup{m_links, m_options.simulate, m_options.wait,
-                              console::decoded(m_options.log)},
+                              console::decoded(m_options.log), m_options.wiring},
             m_report);
     if (access == Access::Writes)
         m_connection->expectDevice();

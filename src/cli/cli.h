@@ -76,6 +76,7 @@ private:
         std::string log;
         std::string progress = "auto";
         double wait = 0;
+        k7::Wiring wiring;
         int verbosity = 0;
         bool crc = false;
         bool simulate = false;

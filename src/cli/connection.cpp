@@ -35,9 +35,9 @@ QString hexText(const QByteArray &bytes)
 /// A simulated module, as slow as a real one.
 struct Connection::Simulation
 {
-    explicit Simulation(const Device &device) : module(settingsFor(device), &time)
+    Simulation(const Device &device, const k7::Wiring &wiring) : module(settingsFor(device), &time)
     {
-        k7::Behaviour behaviour;
+        k7::Behaviour behaviour{wiring};
         behaviour.realTime = true;
         module.setBehaviour(behaviour);
         module.start(k7::Way::InProcess);
@@ -75,7 +75,7 @@ Connection::Connection(const Device &device, const Setup &setup, Report &report)
     : m_device(device)
     , m_setup(setup)
     , m_report(report)
-    , m_simulation(setup.isSimulated ? std::make_unique<Simulation>(device) : nullptr)
+    , m_simulation(setup.isSimulated ? std::make_unique<Simulation>(device, setup.wiring) : nullptr)
     , m_links(m_simulation ? m_simulation->links() : setup.links())
     , m_engine(*m_links.uart, *m_links.ed2, m_messages, StepPolicy(), m_links.time)
     , m_downloads(m_engine)

@@ -8,6 +8,7 @@
 #include "download/downloads.h"
 #include "engine/engine.h"
 #include "engine/links.h"
+#include "simulator/adapter.h"
 
 #include <QFile>
 
@@ -31,6 +32,7 @@ public:
         bool isSimulated = false;
         double waitSeconds = 0; ///< for a port that is absent or in use
         QString logFile;        ///< of all that goes over the links; empty: none
+        k7::Wiring wiring{};    ///< of the simulated module
     };
     enum class Link { Uart2, Ed2 };
 

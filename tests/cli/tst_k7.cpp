@@ -334,6 +334,7 @@ private slots:
             {{"read", "vp", "0xFFFF", "2"}, 2, "the memory ends"},
             {{"--uart2", "x@230400", "info"}, 2, "x@230400"},
             {{"--header", "5A", "info"}, 2, "5A"},
+            {{"--latency", "16", "info"}, 2, "--simulate"},
             {{"--device", "bench", "info"}, 2, "bench"},
             {{"--device", "other,far", "--ed2", "x", "info"}, 2, "--ed2"},
             {{"--device", "far,far", "info"}, 2, "twice"},
