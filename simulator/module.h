@@ -18,7 +18,8 @@ namespace k7 {
 /// - a restart that no system command A0 has announced;
 /// - a download handshake without its start marker, of the wrong length, or for a picture number
 ///   whose high byte is not 0;
-/// - a move of what was not staged, to a place that does not exist, or of another layout.
+/// - a move of what was not staged, unless it is the last one again, to a place that does not
+/// exist, or of another layout.
 ///
 /// What a real module does beyond that is unknown, and this one is lenient: it acknowledges a
 /// command before it programs its flash, answers reads of anything, and takes whatever is written

@@ -50,7 +50,8 @@ struct ModuleState
     std::array<quint8, registerPages * registersPerPage> registers{};
     QVector<quint16> vp; // always the full 0x10000 words
     StagingArea staging;
-    int systemWords = 0; ///< of a system file, sent since its first word
+    QVector<quint16> lastMove{}; ///< the words of the command that emptied it last
+    int systemWords = 0;         ///< of a system file, sent since its first word
     Flash flash;
     /// Downloaded pictures by their number, as RGB565 bytes, and which of them came in chunks.
     QMap<int, QByteArray> pictures;

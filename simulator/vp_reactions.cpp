@@ -138,6 +138,26 @@ bool existsInPicture(qint64 offset, int bytes)
     return offset >= 0 && offset + bytes <= maxPictureBytes;
 }
 
+/// What a command says: its words from `address` on.
+QVector<quint16> commandAt(const ModuleState &state, int address)
+{
+    constexpr int words = 6;
+    return state.vp.mid(address, words);
+}
+
+/// The tool, which did not hear the answer, sends the command again that moved what was staged.
+bool isMovedAlready(const ModuleState &state, int address)
+{
+    return !state.staging.holds(StagingArea::begin, 1) &&
+           state.lastMove == commandAt(state, address);
+}
+
+void endMove(ModuleState &state, int address)
+{
+    state.staging.clear();
+    state.lastMove = commandAt(state, address);
+}
+
 /// A chunk into picture memory: as many of its 120 words as were sent.
 VpReaction moveToMemory(ModuleState &state)
 {
@@ -153,7 +173,7 @@ VpReaction moveToMemory(ModuleState &state)
     if (!existsInPicture(2 * word, 2 * words))
         return refused("picture memory has no such word");
     overwrite(state.pictureMemory, 2 * word, vpBytes(state, StagingArea::begin, words));
-    state.staging.clear();
+    endMove(state, movePictureVp);
     state.showsMemory = true;
     state.isScreenStale = true;
     return done(
@@ -174,7 +194,7 @@ VpReaction moveToPage(ModuleState &state)
     overwrite(state.pictures[page], offset, vpBytes(state, source, pageChunkBytes / 2));
     state.pagedPictures.insert(page);
     state.storedJpegs.remove(page);
-    state.staging.clear();
+    endMove(state, movePictureVp);
     state.isScreenStale = state.isScreenStale || page == state.vp.at(picturePageVp);
     return done(QString::asprintf("moves to picture page %d, chunk %d", page, chunk));
 }
@@ -189,6 +209,8 @@ VpReaction movePicture(ModuleState &state, const ModuleSettings &settings)
         return {};
     if ((command == toPage) != (settings.layout == Layout::K7uid2))
         return refused("the command belongs to another layout");
+    if (isMovedAlready(state, movePictureVp))
+        return done("has moved that already");
     return command == toPage ? moveToPage(state) : moveToMemory(state);
 }
 
@@ -229,6 +251,8 @@ VpReaction moveToFlash(ModuleState &state, const ModuleSettings &settings)
     const bool isInUnits = argument(3) == 1 && argument(4) == 0;
     if (isInUnits != (settings.layout == Layout::K7uid1))
         return refused("the command belongs to another layout");
+    if (isMovedAlready(state, moveToFlashVp))
+        return done("has moved that already");
     const qint64 offset = isInUnits ? qint64{argument(1)} * 2 * unitWords
                                     : qint64{argument(1) >> 8} * Flash::blockBytes +
                                           2 * (qint64{argument(1) & 0xFF} << 16 | argument(2));
@@ -239,7 +263,7 @@ VpReaction moveToFlash(ModuleState &state, const ModuleSettings &settings)
     if (offset + 2 * words > Flash::bytes)
         return refused("the flash has no such unit");
     state.flash.write(static_cast<int>(offset), vpBytes(state, source, words));
-    state.staging.clear();
+    endMove(state, moveToFlashVp);
     state.programmingTime = Module::unitProgramming;
     return done(QString::asprintf("moves %d words to flash 0x%llX", words,
                                   static_cast<unsigned long long>(offset)));

@@ -35,10 +35,6 @@ QTabWidget *addInnerTabs(QTabWidget *tabs, const QString &pageName, const QStrin
     return inner;
 }
 
-/// What the users of the window know: only the first acknowledgement of a download is awaited, and
-/// an OS download tells its outcome before it is final. That is wanted.
-constexpr StepPolicy windowPolicy{false, false};
-
 } // namespace
 
 Dialog::Dialog(QWidget *parent) : Dialog(Links::ofTheSystem(), parent) {}

@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
 #include "cli/project.h"
 #include "cli/transfer.h"
 

@@ -1,10 +1,13 @@
 #include "cli/cli.h"
 
+#include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/each_device.h"
+#include "cli/exchanges.h"
 #include "cli/failure.h"
 #include "cli/ini_file.h"
+#include "cli/memory.h"
 
 #include <CLI/CLI.hpp>
 
@@ -88,6 +91,17 @@ DeviceValues allValues(const DeviceValues &typed, const DeviceValues &project)
 
 } // namespace
 
+struct Cli::Connection
+{
+    Connection(Cli &cli, const Device &device)
+        : links(device, cli.linksSetup()), exchanges(links, cli.patience(), cli.m_report)
+    {
+    }
+
+    DeviceLinks links;
+    Exchanges exchanges;
+};
+
 Cli::Cli(const Surroundings &surroundings)
     : m_links(surroundings.links)
     , m_app(std::make_unique<CLI::App>(description, "k7"))
@@ -163,9 +177,16 @@ void Cli::addOptions(CLI::App &app)
         ->check(CLI::Range(0, longestDelay))
         ->needs(simulate)
         ->group(deviceGroup);
-    app.add_option("--wait", options.wait, "Wait so long for a port that is absent or in use")
+    app.add_option("--wait", options.wait,
+                   "Wait so long for a port that is absent or in use, or a silent module")
         ->type_name("SECONDS")
         ->check(CLI::NonNegativeNumber)
+        ->group(deviceGroup);
+    options.timeout = Exchanges::Patience().answer;
+    app.add_option("--timeout", options.timeout,
+                   "Wait so long for an answer, beyond what the line takes (default 250)")
+        ->type_name("MS")
+        ->transform(arguments::number(1, 60000))
         ->group(deviceGroup);
     app.add_flag("--json", options.json, "One JSON object a line, all on stdout")
         ->group(outputGroup);
@@ -248,17 +269,34 @@ std::optional<QSize> Cli::screen(const QString &given)
     return given.isEmpty() ? device().screen : screenSize(given);
 }
 
-Connection &Cli::connection(Access access)
+DeviceLinks::Setup Cli::linksSetup() const
 {
-    if (!m_connection)
-        m_connection = std::make_unique<Connection>(
-            device(),
-            Connection::Setup{m_links, m_options.simulate, m_options.wait,
-                              console::decoded(m_options.log), m_options.wiring},
-            m_report);
+    return {m_links, m_options.simulate, m_options.wiring, console::decoded(m_options.log)};
+}
+
+Exchanges::Patience Cli::patience() const
+{
+    Exchanges::Patience patience;
+    patience.answer = m_options.timeout;
+    patience.seconds = m_options.wait;
+    return patience;
+}
+
+Exchanges &Cli::connection(Access access)
+{
+    const Device &wanted = device();
+    if (m_connection && !isSameModule(m_connection->links.device(), wanted))
+        m_connection.reset();
+    if (m_connection) {
+        m_connection->exchanges.use(wanted);
+    } else {
+        m_connection = std::make_unique<Connection>(*this, wanted);
+        if (access != Access::Listens)
+            m_connection->exchanges.awaitModule();
+    }
     if (access == Access::Writes)
-        m_connection->expectDevice();
-    return *m_connection;
+        memory::expectDevice(m_connection->exchanges);
+    return m_connection->exchanges;
 }
 
 int Cli::runCommand()

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "cli/connection.h"
-#include "cli/device.h"
+#include "cli/exchanges.h"
 #include "cli/report.h"
+#include "engine/links.h"
+#include "simulator/adapter.h"
 
 #include <cstdio>
 #include <functional>
@@ -49,10 +50,17 @@ public:
     /// The size of the screen: `given` if that is not empty, else what the device says.
     std::optional<QSize> screen(const QString &given);
 
-    enum class Access { Reads, Writes };
-    /// The connection to the module. What writes finds the module that it expects, or throws a
-    /// Failure.
-    Connection &connection(Access access = Access::Reads);
+    enum class Access {
+        Listens, ///< sends nothing
+        Reads,
+        Writes, ///< and finds the module that the device names, or throws a Failure
+    };
+    /// The connection to the module: the same for all commands with the same links and frames.
+    Exchanges &connection(Access access = Access::Reads);
+
+    /// How the module is reached and waited for, as the options tell.
+    DeviceLinks::Setup linksSetup() const;
+    Exchanges::Patience patience() const;
 
     /// What to run once the command line has been read; the result is the exit code. Called in the
     /// callback of a subcommand.
@@ -76,6 +84,7 @@ private:
         std::string log;
         std::string progress = "auto";
         double wait = 0;
+        int timeout = 0; ///< in milliseconds
         k7::Wiring wiring;
         int verbosity = 0;
         bool crc = false;
@@ -83,6 +92,8 @@ private:
         bool json = false;
         bool isQuiet = false;
     };
+
+    struct Connection;
 
     void addOptions(CLI::App &app);
     void applyOptions();

@@ -4,8 +4,8 @@
 
 void addCommands(CLI::App &app, Cli &cli)
 {
-    for (const auto add :
-         {addPorts, addInfo, addSync, addSend, addCheck, addCrc, addJpeg, addDevice, addRead,
-          addWrite, addCurve, addRaw, addMonitor, addMake, addShowFile, addRun, addCompletion})
+    for (const auto add : {addPorts, addFind, addInfo, addSync, addSend, addCheck, addCrc, addJpeg,
+                           addDevice, addRead, addWrite, addCurve, addRaw, addMonitor, addMake,
+                           addShowFile, addRun, addCompletion})
         add(app, cli);
 }

@@ -10,6 +10,7 @@ void addCommands(CLI::App &app, Cli &cli);
 
 // Each of these adds a command, or a few that belong together.
 void addPorts(CLI::App &app, Cli &cli);
+void addFind(CLI::App &app, Cli &cli);
 void addInfo(CLI::App &app, Cli &cli);
 void addSync(CLI::App &app, Cli &cli);
 void addSend(CLI::App &app, Cli &cli);

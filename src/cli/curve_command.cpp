@@ -1,6 +1,8 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
+#include "cli/memory.h"
 #include "serial/device_values.h"
 
 #include <memory>
@@ -34,7 +36,7 @@ Samples samplesOf(const std::vector<std::vector<int>> &given)
 
 int send(Cli &cli, const Samples &samples)
 {
-    Connection &module = cli.connection(Cli::Access::Writes);
+    Exchanges &module = cli.connection(Cli::Access::Writes);
     quint8 mask = 0;
     int channels = 0;
     int count = 0;
@@ -47,15 +49,14 @@ int send(Cli &cli, const Samples &samples)
         count = size;
     }
     // Nobody acknowledges curves: whether there is a module is found out before.
-    module.readVp(deviceValues::version.address, deviceValues::version.words);
+    memory::readVp(module, deviceValues::version.address, deviceValues::version.words);
     const int atOnce = module.engine().mirrors().maxDataBytes() / 2 / channels;
     for (int from = 0; from < count; from += atOnce) {
         Samples part;
         for (size_t channel = 0; channel < samples.size(); ++channel)
             part[channel] = samples[channel].mid(from, atOnce);
         bool fits = false;
-        module.run(Connection::Link::Uart2, {},
-                   [&] { fits = module.engine().sendCurve(part, mask); });
+        module.run(Link::Uart2, {}, [&] { fits = module.engine().sendCurve(part, mask); });
         if (!fits)
             throw Failure{ExitCode::usage, "the samples do not fit into a frame",
                           "Send fewer of them at a time."};

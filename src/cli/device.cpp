@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <tuple>
+
 namespace {
 
 [[noreturn]] void refuse(const QString &name, const QString &text, const QString &remedy)
@@ -96,6 +98,15 @@ constexpr Value knownValues[] = {
 };
 
 } // namespace
+
+bool isSameModule(const Device &one, const Device &other)
+{
+    const auto links = [](const Device &device) {
+        return std::tie(device.uart2.name, device.uart2.rate, device.ed2.name, device.ed2.rate,
+                        device.header1, device.header2, device.crcEnabled, device.model);
+    };
+    return links(one) == links(other);
+}
 
 DeviceValues overlaid(DeviceValues values, const DeviceValues &stronger)
 {

@@ -1,6 +1,8 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
+#include "cli/memory.h"
 #include "serial/device_values.h"
 
 #include <memory>
@@ -19,7 +21,7 @@ int write(Cli &cli, int address, const Numbers &words, const QString &what)
     QVector<quint16> low;
     for (const int word : words)
         low.append(static_cast<quint16>(word));
-    cli.connection(Cli::Access::Writes).writeVp(address, low);
+    memory::writeVp(cli.connection(Cli::Access::Writes), address, low);
     cli.report().result({{"type", "command"}, {"text", what}}, {});
     cli.report().detail(what);
     return ExitCode::done;
@@ -36,7 +38,7 @@ void addPage(CLI::App &app, Cli &cli)
                 return write(cli, 0x84, {0x5A01, page->front()},
                              QString("page %1 is shown").arg(page->front()));
             const deviceValues::Block block = deviceValues::picture;
-            const int shown = cli.connection().readVp(block.address, block.words).first();
+            const int shown = memory::readVp(cli.connection(), block.address, block.words).first();
             cli.report().result({{"type", "page"}, {"page", shown}}, QString::number(shown));
             return ExitCode::done;
         });
@@ -123,7 +125,8 @@ void addBacklight(CLI::App &app, Cli &cli)
         cli.setCommand([&cli, lights]() -> int {
             const deviceValues::Block block = deviceValues::ledConfig;
             if (lights->empty()) {
-                const QVector<quint16> words = cli.connection().readVp(block.address, block.words);
+                const QVector<quint16> words =
+                    memory::readVp(cli.connection(), block.address, block.words);
                 cli.report().result({{"type", "backlight"},
                                      {"normal", words.at(0) >> 8},
                                      {"standby", words.at(0) & maxByte},
@@ -154,8 +157,8 @@ void addReset(CLI::App &app, Cli &cli)
     });
     reset->add_subcommand("system", "Restart the system")->callback([&cli] {
         cli.setCommand([&cli] {
-            Connection &module = cli.connection(Cli::Access::Writes);
-            module.run(Connection::Link::Uart2, {}, [&module] { module.engine().resetSystem(); });
+            Exchanges &module = cli.connection(Cli::Access::Writes);
+            module.run(Link::Uart2, {}, [&module] { module.engine().resetSystem(); });
             cli.report().result({{"type", "command"}, {"text", "the system restarts"}}, {});
             cli.report().detail("the system restarts");
             return ExitCode::done;

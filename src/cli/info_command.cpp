@@ -1,6 +1,8 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
+#include "cli/memory.h"
 #include "serial/device_values.h"
 
 namespace {
@@ -91,13 +93,13 @@ QString textOf(const QJsonValue &value)
 
 int showInfo(Cli &cli)
 {
-    Connection &module = cli.connection();
+    Exchanges &module = cli.connection();
     QJsonObject json{{"type", "info"}};
     QStringList lines;
     int readAddress = -1;
     for (const Fact &fact : facts) {
         if (fact.block.address != readAddress)
-            module.readVp(fact.block.address, fact.block.words);
+            memory::readVp(module, fact.block.address, fact.block.words);
         readAddress = fact.block.address;
         const QJsonValue value = fact.value(module.engine().mirrors());
         json.insert(fact.key, value);

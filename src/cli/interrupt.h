@@ -1,11 +1,17 @@
 #pragma once
 
+#include <functional>
+
+class QObject;
+
 /// Ctrl-C, and the signal to terminate.
 namespace interrupt {
 
 /// From now on they are noticed instead of ending the program at once.
 void watch();
 bool isPending();
+/// Calls `wake` when they come, as long as `context` lives.
+void whenPending(QObject *context, const std::function<void()> &wake);
 /// Waits until `descriptor` can be read, or has ended; not at all without one, which is below 0.
 /// False when it is interrupted before.
 bool waitForInput(int descriptor);

@@ -2,6 +2,8 @@
 
 #include "simulator/stop_signals.h"
 
+#include <QSocketNotifier>
+
 #include <poll.h>
 
 namespace {
@@ -21,6 +23,17 @@ bool interrupt::isPending()
     // The byte stays in the pipe: once interrupted, always interrupted.
     pollfd descriptor{signalled, POLLIN, 0};
     return signalled >= 0 && poll(&descriptor, 1, 0) > 0;
+}
+
+void interrupt::whenPending(QObject *context, const std::function<void()> &wake)
+{
+    if (signalled < 0)
+        return;
+    auto *notifier = new QSocketNotifier(signalled, QSocketNotifier::Read, context);
+    QObject::connect(notifier, &QSocketNotifier::activated, context, [notifier, wake] {
+        notifier->setEnabled(false); // the byte stays
+        wake();
+    });
 }
 
 bool interrupt::waitForInput(int descriptor)

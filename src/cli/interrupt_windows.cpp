@@ -1,5 +1,7 @@
 #include "cli/interrupt.h"
 
+#include <QWinEventNotifier>
+
 #include <io.h>
 #include <windows.h>
 
@@ -37,6 +39,17 @@ void interrupt::watch()
 bool interrupt::isPending()
 {
     return interrupted && ::WaitForSingleObject(interrupted, 0) == WAIT_OBJECT_0;
+}
+
+void interrupt::whenPending(QObject *context, const std::function<void()> &wake)
+{
+    if (!interrupted)
+        return;
+    auto *notifier = new QWinEventNotifier(interrupted, context);
+    QObject::connect(notifier, &QWinEventNotifier::activated, context, [notifier, wake] {
+        notifier->setEnabled(false); // the event stays
+        wake();
+    });
 }
 
 bool interrupt::waitForInput(int descriptor)

@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
 #include "cli/input_files.h"
 #include "common/read_file.h"
 #include "common/whole_number.h"
@@ -29,8 +30,8 @@ int send(Cli &cli, const QString &path, const JpgDownload::Display &display, con
                                                       ? jpeg.refusal->in(true).section('\n', 0, 0)
                                                       : QString("the file is empty")),
                       "Save it anew as JPEG of at most 64 KiB."};
-    Connection &module = cli.connection(Cli::Access::Writes);
-    module.run(Connection::Link::Uart2, QFileInfo(path).fileName(),
+    Exchanges &module = cli.connection(Cli::Access::Writes);
+    module.run(Link::Uart2, QFileInfo(path).fileName(),
                [&] { module.downloads().jpg.start(jpeg.bytes, [display] { return display; }); });
     cli.report().result({{"type", "command"}, {"text", done}}, {});
     cli.report().detail(done);

@@ -1,6 +1,8 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
+#include "cli/gap.h"
 #include "cli/input_files.h"
 #include "serial/frame_decoder.h"
 
@@ -53,6 +55,14 @@ public:
             tell(name, decoder->take(bytes), m_lastByte);
             isSilent->start();
         });
+    }
+
+    /// The port of `link` was away.
+    void tellGap(const QString &link, qint64 milliseconds)
+    {
+        QJsonObject json = gap::json(link, milliseconds);
+        json.insert("time", iso(m_start.elapsed()));
+        write(json, gap::text(link, milliseconds));
     }
 
     /// Throws a Failure when a line could not be written.
@@ -134,20 +144,22 @@ int monitor(Cli &cli, const Arguments &given)
 {
     const Device &device = cli.device();
     Monitor monitor(cli.report(), given);
-    Connection &connection = cli.connection();
-    using Link = Connection::Link;
+    Exchanges &module = cli.connection(Cli::Access::Listens);
+    DeviceLinks &ports = module.links();
     QVector<Link> links;
     // UART2 is the one without a name; ED2 alone can be listened to.
-    if (connection.isSimulated() || !device.uart2.name.isEmpty() || device.ed2.name.isEmpty())
+    if (ports.isSimulated() || !device.uart2.name.isEmpty() || device.ed2.name.isEmpty())
         links.append(Link::Uart2);
-    if (connection.isSimulated() || !device.ed2.name.isEmpty())
+    if (ports.isSimulated() || !device.ed2.name.isEmpty())
         links.append(Link::Ed2);
     for (const Link link : qAsConst(links)) {
         const bool isUart = link == Link::Uart2;
-        monitor.watch(connection.link(link), isUart ? "UART2" : "ED2",
+        monitor.watch(ports.at(link), nameOf(link),
                       {device.header1, device.header2, isUart && device.crcEnabled});
     }
-    connection.listen(links, [&monitor] { monitor.check(); });
+    module.listen(
+        links, [&monitor] { monitor.check(); },
+        [&monitor](Link link, qint64 away) { monitor.tellGap(nameOf(link), away); });
 }
 
 } // namespace

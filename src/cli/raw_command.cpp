@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
 #include "serial/data_text.h"
 
 #include <memory>
@@ -13,18 +14,20 @@ int send(Cli &cli, const QString &digits, int milliseconds)
     if (!bytes || bytes->isEmpty())
         throw Failure{ExitCode::usage, QString("\"%1\" is not hexadecimal").arg(digits),
                       "Give bytes such as 5AA5 04 83 00 0F 01."};
-    Connection &module = cli.connection(Cli::Access::Writes);
+    Exchanges &module = cli.connection(Cli::Access::Writes);
     QByteArray reply;
-    const auto arrival =
-        QObject::connect(&module.link(Connection::Link::Uart2), &WatchedLink::received, &module,
-                         [&reply](const QByteArray &received) { reply += received; });
+    QMetaObject::Connection arrival;
     module.run(
-        Connection::Link::Uart2, {},
+        Link::Uart2, {},
         [&] {
+            // From now on: what came before answers something else.
+            arrival =
+                QObject::connect(&module.links().at(Link::Uart2), &WatchedLink::received, &module,
+                                 [&reply](const QByteArray &received) { reply += received; });
             module.engine().sendFreeForm([bytes] { return *bytes; },
                                          milliseconds + Transaction::sendTick);
         },
-        milliseconds + Connection::usualPatience);
+        milliseconds + Exchanges::usualPatience);
     QObject::disconnect(arrival);
     const QString text = QString::fromLatin1(reply.toHex(' ').toUpper());
     cli.report().result({{"type", "reply"}, {"bytes", text}}, text);

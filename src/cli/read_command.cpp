@@ -1,6 +1,9 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
+#include "cli/gap.h"
+#include "cli/memory.h"
 
 #include <QJsonArray>
 
@@ -45,14 +48,15 @@ QByteArray bytesOf(const QVector<int> &values, bool isRegister)
     return bytes;
 }
 
-QVector<int> values(Connection &module, const Asked &asked)
+QVector<int> values(Exchanges &module, const Asked &asked)
 {
     QVector<int> values;
     if (asked.isRegister)
-        for (const char byte : module.readRegisters(asked.page, asked.address, asked.count))
+        for (const char byte :
+             memory::readRegisters(module, asked.page, asked.address, asked.count))
             values.append(static_cast<quint8>(byte));
     else
-        for (const quint16 word : module.readVp(asked.address, asked.count))
+        for (const quint16 word : memory::readVp(module, asked.address, asked.count))
             values.append(word);
     return values;
 }
@@ -80,9 +84,18 @@ void show(Cli &cli, const Asked &asked)
 int run(Cli &cli, const Asked &asked)
 {
     show(cli, asked);
+    Exchanges &module = cli.connection();
     while (asked.watchSeconds > 0) {
-        cli.connection().pause(static_cast<int>(asked.watchSeconds * 1000));
-        show(cli, asked);
+        module.pause(static_cast<qint64>(asked.watchSeconds * 1000));
+        try {
+            show(cli, asked);
+        } catch (const Failure &) {
+            if (!module.links().wasLost())
+                throw;
+            const qint64 away = module.awaitReturn(Link::Uart2);
+            cli.report().result(gap::json(nameOf(Link::Uart2), away),
+                                gap::text(nameOf(Link::Uart2), away));
+        }
     }
     return ExitCode::done;
 }

@@ -1,5 +1,7 @@
 #include "cli/arguments.h"
+#include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
 #include "cli/update.h"
 #include "common/whole_number.h"
 
@@ -64,7 +66,9 @@ int send(Cli &cli, const Given &given)
         const NumberedFile file = numberedFile(text);
         project.add(file.path, kindOf(given, file.path), file.number);
     }
-    return Update(cli, project.files(), given.choice).run();
+    Exchanges &module =
+        cli.connection(given.choice.dryRun ? Cli::Access::Reads : Cli::Access::Writes);
+    return Update(module, cli.report(), project.files(), given.choice).run();
 }
 
 } // namespace

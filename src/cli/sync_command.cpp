@@ -1,8 +1,14 @@
 #include "cli/arguments.h"
+#include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
 #include "cli/update.h"
 
+#include <QDateTime>
+#include <QDir>
+
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -12,14 +18,42 @@ struct Given
     std::string size;
     std::string glob;
     Update::Choice choice;
+    bool watches = false;
 };
+
+using States = QMap<QString, QString>;
+
+/// The time and size of each file in `folder`.
+States statesOf(const QString &folder)
+{
+    States states;
+    for (const QFileInfo &file : QDir(folder).entryInfoList(QDir::Files))
+        states.insert(
+            file.filePath(),
+            QString("%1 %2").arg(file.lastModified().toMSecsSinceEpoch()).arg(file.size()));
+    return states;
+}
+
+Project projectOf(Cli &cli, const Given &given)
+{
+    const QString folder = arguments::text(given.folder);
+    Project project(cli.device().model, cli.screen(arguments::text(given.size)));
+    project.addFolder(folder, arguments::text(given.glob), false);
+    return project;
+}
+
+int send(Cli &cli, const QVector<ProjectFile> &files, const Given &given)
+{
+    Exchanges &module =
+        cli.connection(given.choice.dryRun ? Cli::Access::Reads : Cli::Access::Writes);
+    return Update(module, cli.report(), files, given.choice).run();
+}
 
 int sync(Cli &cli, const Given &given)
 {
     const QString folder = arguments::text(given.folder);
     cli.useProject(folder);
-    Project project(cli.device().model, cli.screen(arguments::text(given.size)));
-    project.addFolder(folder, arguments::text(given.glob), false);
+    const Project project = projectOf(cli, given);
     for (const Project::LeftOut &file : project.leftOut())
         cli.report().result({{"type", "file"},
                              {"file", file.name},
@@ -29,7 +63,53 @@ int sync(Cli &cli, const Given &given)
     if (project.files().isEmpty())
         throw Failure{ExitCode::badFile, QString("%1 has no file for a module").arg(folder),
                       "Files begin with their number, such as 5_start.png, or k7.ini gives it."};
-    return Update(cli, project.files(), given.choice).run();
+    return send(cli, project.files(), given);
+}
+
+/// Sends the files that are not as in `sent`; these are the ones of which something is to be told.
+void sendChanged(Cli &cli, const Given &given, const States &sent)
+{
+    QVector<ProjectFile> changed;
+    const Project project = projectOf(cli, given);
+    for (const ProjectFile &file : project.files()) {
+        const QFileInfo info(file.path);
+        if (sent.value(info.filePath()) != statesOf(info.path()).value(info.filePath()))
+            changed.append(file);
+    }
+    if (!changed.isEmpty())
+        send(cli, changed, given);
+}
+
+/// Syncs, and then again whenever files of the folder have changed and are at rest.
+int watch(Cli &cli, const Given &given)
+{
+    constexpr int betweenLooks = 300; // in milliseconds
+    const QString folder = arguments::text(given.folder);
+    States sent = statesOf(folder);
+    sync(cli, given);
+    Exchanges &module = cli.connection();
+    States seen = sent;
+    while (true) {
+        module.pause(betweenLooks);
+        const States now = statesOf(folder);
+        if (now == sent || std::exchange(seen, now) != now)
+            continue;
+        try {
+            sendChanged(cli, given, sent);
+            sent = now;
+        } catch (const Failure &failure) {
+            if (failure.code == ExitCode::interrupted)
+                throw;
+            // They are sent when they change again, or when the port is back.
+            cli.report().fail(failure.code, failure.cause, failure.remedy);
+            const bool wasLost = module.links().wasLost();
+            for (const Link each : {Link::Uart2, Link::Ed2})
+                if (module.links().at(each).wasLost())
+                    module.awaitReturn(each);
+            if (!wasLost)
+                sent = now;
+        }
+    }
 }
 
 } // namespace
@@ -44,6 +124,9 @@ void addSync(CLI::App &app, Cli &cli)
         ->type_name("WxH");
     given->choice.addOptions(*command);
     command->add_option("--only", given->glob, "Only files whose name matches")->type_name("GLOB");
-    command->callback(
-        [&cli, given] { cli.setCommand([&cli, given] { return sync(cli, *given); }); });
+    command->add_flag("--watch", given->watches, "Then send what changes, until Ctrl-C");
+    command->callback([&cli, given] {
+        cli.setCommand(
+            [&cli, given] { return given->watches ? watch(cli, *given) : sync(cli, *given); });
+    });
 }

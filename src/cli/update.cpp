@@ -1,5 +1,8 @@
 #include "cli/update.h"
 
+#include "cli/exchanges.h"
+#include "cli/memory.h"
+#include "cli/report.h"
 #include "cli/transfer.h"
 
 #include <CLI/CLI.hpp>
@@ -29,6 +32,16 @@ QVector<int> differingBlocks(const ProjectFile &file)
     return blocks;
 }
 
+bool isOverEd2(Kind kind)
+{
+    return kind == Kind::Flash || kind == Kind::Picture;
+}
+
+constexpr char otherModule[] = "Do both ports lead to this module? Else its memory may be worn or "
+                               "write-protected.";
+constexpr char notRestarted[] = "The module was not restarted, and goes on with the system that it "
+                                "has. Send it again; --no-verify restarts it unchecked.";
+
 /// What the module calls `blocks` of `file`.
 QString placeText(const ProjectFile &file, const QVector<int> &blocks)
 {
@@ -56,8 +69,9 @@ void Update::Choice::addOptions(CLI::App &command)
     command.add_flag("--no-verify", noVerify, "Do not check what was sent")->excludes(dryRunOption);
 }
 
-Update::Update(Cli &cli, const QVector<ProjectFile> &files, const Choice &choice)
-    : m_cli(cli), m_choice(choice)
+Update::Update(Exchanges &module, Report &report, const QVector<ProjectFile> &files,
+               const Choice &choice)
+    : m_module(module), m_report(report), m_choice(choice)
 {
     for (const ProjectFile &file : files)
         m_jobs.append({file, {}, {}, false});
@@ -65,25 +79,24 @@ Update::Update(Cli &cli, const QVector<ProjectFile> &files, const Choice &choice
 
 int Update::run()
 {
-    m_cli.connection(m_choice.dryRun ? Cli::Access::Reads : Cli::Access::Writes);
     m_record = openRecord();
     if (!m_choice.all)
         compareAll();
     for (Job &job : m_jobs)
         plan(job);
     sendAll();
-    if (!m_choice.dryRun && !m_choice.noVerify && !verify())
+    if (!m_choice.dryRun && !verifyAndRestart())
         return ExitCode::stillDiffers;
     return finish();
 }
 
 SentRecord Update::openRecord()
 {
-    Connection &module = m_cli.connection();
     const bool isNeeded = std::any_of(m_jobs.begin(), m_jobs.end(),
                                       [](const Job &job) { return isFlash(job.file.kind); });
     // A simulated module forgets everything when the program ends.
-    return SentRecord(isNeeded && !module.isSimulated() ? module.deviceId() : QString());
+    return SentRecord(isNeeded && !m_module.links().isSimulated() ? memory::deviceId(m_module)
+                                                                  : QString());
 }
 
 void Update::compareAll()
@@ -92,7 +105,7 @@ void Update::compareAll()
     for (Job &job : m_jobs)
         for (CrcCheckItem &unit : job.file.units)
             units.append(&unit);
-    transfer::compare(m_cli.connection(), units, "check");
+    transfer::compare(m_module, units, "check");
     // What was sent and is not there any more was overwritten by somebody else, who may have
     // changed what no check covers, too.
     const bool isForeign = std::any_of(m_jobs.begin(), m_jobs.end(), [this](const Job &job) {
@@ -137,10 +150,79 @@ void Update::sendAll()
             // Before, because the exchange may be cut off.
             if (isFlash(job.file.kind))
                 m_record.forget(job.file);
-            transfer::send(m_cli.connection(), job.file, job.blocks);
+            send(job);
             tell(job, "sent", job.reason);
         }
     }
+}
+
+void Update::send(const Job &job)
+{
+    QVector<int> blocks = job.blocks;
+    if (isFirstOfMany(job)) {
+        sendFirstBlock(job);
+        blocks.removeFirst();
+    }
+    if (!blocks.isEmpty())
+        transfer::send(m_module, job.file, blocks, job.file.name);
+}
+
+bool Update::isFirstOfMany(const Job &job) const
+{
+    int all = 0;
+    for (const Job &each : m_jobs)
+        all += isOverEd2(each.file.kind) ? each.blocks.size() : 0;
+    return isOverEd2(job.file.kind) && all > 1 && !m_choice.noVerify && !m_isEd2Tried &&
+           job.blocks.first() < job.file.units.size();
+}
+
+void Update::sendFirstBlock(const Job &job)
+{
+    m_isEd2Tried = true;
+    Job first = job;
+    first.blocks = {job.blocks.first()};
+    const QString place = placeText(first.file, first.blocks);
+    CrcCheckItem unit = first.file.units.at(first.blocks.first());
+    for (const QString &status : QStringList{"sent", "sent again"}) {
+        transfer::send(m_module, first.file, first.blocks, {});
+        transfer::compare(m_module, {&unit}, {});
+        if (unit.isIntact())
+            return;
+        tell(first, status, status == "sent" ? first.reason : place + " still differed");
+    }
+    throw Failure{ExitCode::stillDiffers,
+                  QString("sent twice, and the module still holds something else: %1 (%2)%3")
+                      .arg(job.file.name, placeText(job.file, job.blocks),
+                           job.blocks.size() > 1 ? ", of which only the first was sent" : ""),
+                  otherModule};
+}
+
+bool Update::sendsSystem() const
+{
+    return std::any_of(m_jobs.begin(), m_jobs.end(),
+                       [](const Job &job) { return job.isSent() && job.file.kind == Kind::Os; });
+}
+
+bool Update::verifyAndRestart()
+{
+    bool isRestarted = !sendsSystem();
+    bool isEqual = true;
+    if (!m_choice.noVerify) {
+        try {
+            isEqual = verify();
+        } catch (const Failure &failure) {
+            // A module that took each frame of a system may not be able to check it yet.
+            if (isRestarted || failure.code != ExitCode::noAnswer || m_module.links().wasLost())
+                throw;
+            m_report.note("the module cannot check its system before it is restarted");
+            transfer::restart(m_module);
+            isRestarted = true;
+            isEqual = verify();
+        }
+    }
+    if (isEqual && !isRestarted)
+        transfer::restart(m_module);
+    return isEqual;
 }
 
 bool Update::verify()
@@ -150,7 +232,7 @@ bool Update::verify()
         for (const Job &job : qAsConst(open)) {
             if (!job.isSent())
                 continue;
-            transfer::send(m_cli.connection(), job.file, job.blocks);
+            transfer::send(m_module, job.file, job.blocks, job.file.name);
             tell(job, "sent again", placeText(job.file, job.blocks) + " still differed");
         }
         verifyBlocks(open, "verify again");
@@ -164,10 +246,9 @@ bool Update::verify()
             tellVerified(m_jobs.at(i));
     }
     if (!faults.isEmpty())
-        m_cli.report().fail(ExitCode::stillDiffers,
-                            "sent twice, and the module still holds something else: " +
-                                faults.join(", "),
-                            "Its memory may be worn or write-protected.");
+        m_report.fail(ExitCode::stillDiffers,
+                      "sent twice, and the module still holds something else: " + faults.join(", "),
+                      sendsSystem() ? notRestarted : otherModule);
     return faults.isEmpty();
 }
 
@@ -178,7 +259,7 @@ bool Update::verifyBlocks(QVector<Job> &jobs, const QString &what)
         for (const int block : qAsConst(job.blocks))
             if (block < job.file.units.size())
                 units.append(&job.file.units[block]);
-    transfer::compare(m_cli.connection(), units, what);
+    transfer::compare(m_module, units, what);
     bool isEqual = true;
     for (Job &job : jobs) {
         const auto isDone = [&job](int block) {
@@ -204,7 +285,7 @@ void Update::tell(const Job &job, const QString &status, const QString &reason)
                      {"reason", reason}};
     if (job.file.kind == Kind::Flash)
         json.insert("blocks", blocks);
-    m_cli.report().result(json, QString("%1 %2: %3").arg(status, -14).arg(job.file.name, reason));
+    m_report.result(json, QString("%1 %2: %3").arg(status, -14).arg(job.file.name, reason));
 }
 
 void Update::tellUnchanged(const Job &job)
@@ -241,15 +322,15 @@ int Update::finish()
     m_record.save();
     const QString verdict =
         m_choice.noVerify && sent > 0 ? "; not verified, because of --no-verify" : "";
-    m_cli.report().result({{"type", "summary"},
-                           {"sent", m_choice.dryRun ? 0 : sent},
-                           {"differing", sent},
-                           {"unchanged", m_jobs.size() - sent},
-                           {"verified", !m_choice.noVerify && !m_choice.dryRun}},
-                          QString("%1 %2, %3 unchanged%4")
-                              .arg(sent)
-                              .arg(m_choice.dryRun ? "would be sent" : "sent")
-                              .arg(m_jobs.size() - sent)
-                              .arg(verdict));
+    m_report.result({{"type", "summary"},
+                     {"sent", m_choice.dryRun ? 0 : sent},
+                     {"differing", sent},
+                     {"unchanged", m_jobs.size() - sent},
+                     {"verified", !m_choice.noVerify && !m_choice.dryRun}},
+                    QString("%1 %2, %3 unchanged%4")
+                        .arg(sent)
+                        .arg(m_choice.dryRun ? "would be sent" : "sent")
+                        .arg(m_jobs.size() - sent)
+                        .arg(verdict));
     return m_choice.dryRun && sent > 0 ? ExitCode::differs : ExitCode::done;
 }

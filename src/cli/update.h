@@ -1,8 +1,13 @@
 #pragma once
 
-#include "cli/cli.h"
 #include "cli/project.h"
 #include "cli/sent_record.h"
+
+namespace CLI {
+class App;
+}
+class Exchanges;
+class Report;
 
 /// Brings files onto the module, as far as it does not hold them already, and tells of every file
 /// what was done and why.
@@ -19,7 +24,9 @@ public:
         void addOptions(CLI::App &command);
     };
 
-    Update(Cli &cli, const QVector<ProjectFile> &files, const Choice &choice);
+    /// With `module`, which was found to be the one that the device names.
+    Update(Exchanges &module, Report &report, const QVector<ProjectFile> &files,
+           const Choice &choice);
 
     /// The exit code.
     int run();
@@ -40,8 +47,15 @@ private:
     void compareAll();
     void plan(Job &job) const;
     void sendAll();
+    void send(const Job &job);
+    /// The first of many blocks over ED2 is checked before the others are sent: the link may lead
+    /// to another module.
+    void sendFirstBlock(const Job &job);
+    bool isFirstOfMany(const Job &job) const;
     /// Checks what was sent, sends once more what still differs, and checks again.
     bool verify();
+    bool verifyAndRestart();
+    bool sendsSystem() const;
     /// Checks the blocks of each job; leaves those in it that still differ, or none.
     bool verifyBlocks(QVector<Job> &jobs, const QString &what);
     void tell(const Job &job, const QString &status, const QString &reason);
@@ -49,8 +63,10 @@ private:
     void tellVerified(const Job &job);
     int finish();
 
-    Cli &m_cli;
+    Exchanges &m_module;
+    Report &m_report;
     const Choice m_choice;
     QVector<Job> m_jobs;
     SentRecord m_record{QString()};
+    bool m_isEd2Tried = false;
 };

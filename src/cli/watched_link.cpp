@@ -18,8 +18,7 @@ void WatchedLink::setPortName(const QString &name)
 bool WatchedLink::open()
 {
     const bool isOpened = m_link->open();
-    if (isOpened)
-        m_wasLost = false;
+    m_wasLost = m_wasLost && !isOpened;
     return isOpened;
 }
 

@@ -4,13 +4,15 @@
 
 #include <memory>
 
-/// A link that knows what went over it: for errors, logs and the monitor.
+/// A link that knows what went over it: for errors, logs and the monitor. Once opened it is held:
+/// close() leaves it open, so that nobody else gets the port between two exchanges.
 class WatchedLink final : public SerialLink
 {
     Q_OBJECT
 
 public:
     explicit WatchedLink(std::unique_ptr<SerialLink> link);
+    ~WatchedLink() override { m_link->close(); }
 
     const QString &name() const { return m_name; }
     const QByteArray &lastSent() const { return m_lastSent; }
@@ -25,7 +27,8 @@ public:
     bool open() override;
     bool isOpen() const override { return m_link->isOpen(); }
     OpenFailure openFailure() const override { return m_link->openFailure(); }
-    void close() override { m_link->close(); }
+    QStringList holders() const override { return m_link->holders(); }
+    void close() override {}
     void abandon() override { m_link->abandon(); }
     void write(const QByteArray &bytes) override;
     qint64 bytesToSend() const override { return m_link->bytesToSend(); }

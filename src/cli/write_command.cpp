@@ -1,6 +1,8 @@
 #include "cli/arguments.h"
 #include "cli/cli.h"
 #include "cli/commands.h"
+#include "cli/exchanges.h"
+#include "cli/memory.h"
 
 #include <QJsonArray>
 
@@ -17,22 +19,22 @@ struct Wanted
 };
 
 /// Writes, and finds what was written if that is to be confirmed.
-bool write(Connection &module, const Wanted &wanted, bool isRegister)
+bool write(Exchanges &module, const Wanted &wanted, bool isRegister)
 {
     const auto count = static_cast<int>(wanted.values.size());
     if (isRegister) {
         QByteArray bytes;
         for (const int value : wanted.values)
             bytes.append(static_cast<char>(value));
-        module.writeRegisters(wanted.page, wanted.address, bytes);
+        memory::writeRegisters(module, wanted.page, wanted.address, bytes);
         return !wanted.confirms ||
-               module.readRegisters(wanted.page, wanted.address, count) == bytes;
+               memory::readRegisters(module, wanted.page, wanted.address, count) == bytes;
     }
     QVector<quint16> words;
     for (const int value : wanted.values)
         words.append(static_cast<quint16>(value));
-    module.writeVp(wanted.address, words);
-    return !wanted.confirms || module.readVp(wanted.address, count) == words;
+    memory::writeVp(module, wanted.address, words);
+    return !wanted.confirms || memory::readVp(module, wanted.address, count) == words;
 }
 
 int run(Cli &cli, const Wanted &wanted, bool isRegister)

@@ -29,7 +29,8 @@ void CrcComparison::step()
         return;
     switch (m_stage) {
     case Stage::Ask:
-        ask();
+        if (session().tick > 0)
+            ask();
         break;
     case Stage::Read:
         if (session().tick > ticksFor(390) + 1)
@@ -49,26 +50,43 @@ void CrcComparison::ask()
     m_line.builder.setVp(crcAddress, m_items.at(m_index).request);
     m_line.builder.setVp(crcAddress + 1, m_items.at(m_index).unit);
     session().replyReceived = false;
-    m_line.link.write(m_line.builder.buildWriteVpFrame(crcAddress, 2));
+    writeAwaited(m_line.builder.buildWriteVpFrame(crcAddress, 2));
     enter(Stage::Read);
 }
 
 void CrcComparison::read()
 {
-    if (!session().replyReceived) {
-        fail();
-        return;
-    }
-    // A late reply to an older read must not count for this unit.
-    if (m_line.policy.awaitsEach)
-        m_line.builder.setVp(crcAddress, m_items.at(m_index).request);
-    m_line.link.write(m_line.builder.buildReadVpFrame(crcAddress, 2));
+    if (isAnswered())
+        sendRead();
+}
+
+void CrcComparison::sendRead()
+{
+    writeAwaited(m_line.builder.buildReadVpFrame(crcAddress, 2));
     enter(Stage::Compare);
+}
+
+bool CrcComparison::isAnswered()
+{
+    const Verdict found = verdict();
+    if (found != Verdict::Missing)
+        return found == Verdict::Came;
+    m_stage = Stage::Ask;
+    if (!again())
+        fail();
+    return false;
 }
 
 void CrcComparison::compare()
 {
+    // The window takes what its mirror holds.
+    if (isStrict() && !isAnswered())
+        return;
     if (m_line.builder.vpAt(crcAddress) >> 8 == busyMark) {
+        if (isStrict()) {
+            sendRead();
+            return;
+        }
         // The tick stays: the very next one reads again.
         session().replyReceived = true;
         m_stage = Stage::Read;
@@ -79,7 +97,8 @@ void CrcComparison::compare()
     item.compareResult = item.isIntact() ? "true" : "false";
     ++m_index;
     showProgress(m_index, m_items.size());
-    enter(Stage::Ask);
+    beginPiece();
+    m_stage = Stage::Ask;
     if (m_index < m_items.size())
         return;
     end(Outcome::Done);

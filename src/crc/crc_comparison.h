@@ -32,7 +32,10 @@ private:
 
     void ask();
     void read();
+    void sendRead();
     void compare();
+    /// Whether the answer is there. Strict, the unit is asked for again when it is not.
+    bool isAnswered();
     void enter(Stage stage);
     int ticksFor(int bits) const;
 

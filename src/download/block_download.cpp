@@ -1,6 +1,7 @@
 #include "download/block_download.h"
 
 #include "common/big_endian.h"
+#include "engine/line_ticks.h"
 
 BlockDownload::BlockDownload(const Line &line, const Kind &kind)
     : Step(kind.commandType, line), m_kind(kind)
@@ -41,18 +42,41 @@ void BlockDownload::step()
         bigEndian::appendByte(handshake, m_blocks.at(m_index).number);
         writeAwaited(handshake);
     } else if (session().tick == m_kind.checkTick) {
-        if (session().replyReceived)
-            m_line.link.write(m_blocks.at(m_index).data);
-        else
-            fail();
+        judge();
+    } else if (session().tick == sentTick() && holdsUntilSent()) {
+        return;
     } else if (session().tick == m_endTick) {
         nextBlock();
     }
 }
 
+void BlockDownload::judge()
+{
+    // A module whose acknowledgement was lost waits for the block so long.
+    constexpr int blockSilence = 600;
+    switch (verdict()) {
+    case Verdict::Came:
+        write(m_blocks.at(m_index).data);
+        break;
+    case Verdict::Missing:
+        if (!again(blockSilence))
+            fail();
+        break;
+    case Verdict::Awaited:
+        break;
+    }
+}
+
+int BlockDownload::sentTick() const
+{
+    constexpr int usualRate = 6250000;
+    return m_kind.checkTick + 1 +
+           lineTicks(qint64{10} * m_blocks.at(m_index).data.size(), usualRate);
+}
+
 void BlockDownload::nextBlock()
 {
-    session().tick = 0;
+    beginPiece();
     ++m_index;
     showProgress(m_index, m_blocks.size());
     if (m_index == m_blocks.size())

@@ -9,6 +9,9 @@
 ///
 /// In the window the acknowledgement is really awaited for the first block only: the reply flag is
 /// cleared when the download starts and when it completes. That is wanted.
+///
+/// Strict, the end of a block waits until its last byte has left the machine, however slow the line
+/// is, and the module has its rest behind that.
 class BlockDownload final : public Step
 {
 public:
@@ -42,7 +45,10 @@ protected:
     void rewind() override { m_index = 0; }
 
 private:
+    void judge();
     void nextBlock();
+    /// The tick at which the last byte of the block is out on a line of the usual rate.
+    int sentTick() const;
 
     const Kind m_kind;
     QVector<Block> m_blocks;

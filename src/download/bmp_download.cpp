@@ -25,39 +25,65 @@ BmpDownload::Kind BmpDownload::paged()
 void BmpDownload::start(const QByteArray &pixels, std::function<int()> page)
 {
     m_page = std::move(page);
+    m_frames.clear();
     begin(pixels, chunksOf(pixels));
 }
 
 void BmpDownload::step()
 {
     const int tick = session().tick;
+    const int checkTick = ticksFor(m_frames.shareOf(m_kind.sendBits)) + 2;
     if (tick == 1) {
-        if (!ensureOpen())
+        if (!ensureOpen() || sendsCommandAgain(checkTick))
             return;
-        stage(currentChunk());
+        send();
     }
     // Not alternatives: at high rates both come on the same tick, and the chunk still completes.
-    if (tick == ticksFor(m_kind.sendBits) + 2) {
-        if (!session().replyReceived) {
-            fail();
-            return;
-        }
-        writeWords(moveAddress, m_kind.moveCommand(m_index, m_page()));
-    }
-    if (tick == ticksFor(m_kind.chunkBits) + 2) {
+    if (tick == checkTick && !isChunkDone())
+        return;
+    if (tick == tickBehind(checkTick, ticksFor(m_kind.chunkBits) + 2) && isCommandDone()) {
         ++m_index;
         if (!nextChunk())
             complete();
     }
 }
 
-void BmpDownload::stage(QByteArray chunk)
+bool BmpDownload::isChunkDone()
+{
+    switch (verdict()) {
+    case Verdict::Came:
+        if (m_frames.isAtEnd()) {
+            writeCommand(moveAddress, m_kind.moveCommand(m_index, m_page()));
+            return true;
+        }
+        beginPiece();
+        break;
+    case Verdict::Missing:
+        m_frames.putBack();
+        if (!again())
+            fail();
+        break;
+    case Verdict::Awaited:
+        break;
+    }
+    return false;
+}
+
+void BmpDownload::send()
+{
+    if (m_frames.isAtEnd())
+        m_frames.load(framesOf(currentChunk()), isStrict());
+    const QByteArray bytes = m_frames.take();
+    writeAwaited(bytes, m_frames.taken());
+}
+
+QVector<QByteArray> BmpDownload::framesOf(QByteArray chunk)
 {
     if (m_kind.isFilled)
         chunk = chunk.leftJustified(m_kind.chunkBytes, '\0');
-    QByteArray frames;
+    QVector<QByteArray> frames;
     for (int offset = 0; offset < chunk.size(); offset += m_kind.frameBytes)
         frames += vpFrame(static_cast<quint16>(stagingAddress + offset / 2),
                           chunk.mid(offset, m_kind.frameBytes));
-    writeAwaited(frames);
+    return frames;
 }

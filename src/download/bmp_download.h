@@ -1,5 +1,6 @@
 #pragma once
 
+#include "download/frame_train.h"
 #include "download/staged_download.h"
 
 #include <functional>
@@ -36,8 +37,12 @@ public:
 private:
     static constexpr quint16 moveAddress = 0x00A2;
 
-    void stage(QByteArray chunk);
+    void send();
+    /// Whether all of the chunk is acknowledged; then the command that moves it is on its way.
+    bool isChunkDone();
+    QVector<QByteArray> framesOf(QByteArray chunk);
 
     const Kind m_kind;
     std::function<int()> m_page;
+    FrameTrain m_frames; ///< of the current chunk, once it began
 };

@@ -8,10 +8,10 @@
 /// 256 chunks the staged 32 KiB are moved there; the file is filled up with zeros to whole such
 /// units.
 ///
-/// The tick that ends a chunk is set when the chunk before it is acknowledged, and lives on between
-/// downloads. At a rate other than the last one's it may come before the tick that tests the
-/// acknowledgement; at very high rates that tick never comes. The exchange then does not get past
-/// its first chunk, and stays open until another command ends it. That is wanted.
+/// In the window, the tick that ends a chunk is set when the chunk before it is acknowledged, and
+/// lives on between downloads. At a rate other than the last one's it may come before the tick that
+/// tests the acknowledgement; at very high rates that tick never comes. The exchange then does not
+/// get past its first chunk, and stays open until another command ends it. That is wanted.
 class FlashDownload final : public StagedDownload
 {
 public:
@@ -27,7 +27,7 @@ private:
     static constexpr int chunksPerUnit = 256;
     static constexpr quint16 moveAddress = 0x00AA;
 
-    void chunkArrived();
+    void chunkArrived(int checkTick);
     void moveUnit();
 
     std::function<bool()> m_isK7Uid1;

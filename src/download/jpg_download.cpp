@@ -14,23 +14,25 @@ void JpgDownload::start(const QByteArray &jpeg, std::function<Display()> display
 void JpgDownload::step()
 {
     const int lineTime = ticksFor(3198);
-    const int endTick = ticksFor(3380) + 2;
+    const int checkTick = tickBehind(1, lineTime + 1);
+    const int nextTick = tickBehind(checkTick, lineTime + 2);
+    const int endTick = tickBehind(nextTick, ticksFor(3380) + 2);
     if (session().tick == 1) {
-        if (!ensureOpen())
+        if (!ensureOpen() || sendsCommandAgain(nextTick))
             return;
         const int address = stagingAddress + m_index * chunkBytes / 2;
         writeAwaited(vpFrame(static_cast<quint16>(address), currentChunk()));
-    } else if (session().tick == lineTime + 1) {
-        if (!session().replyReceived)
+    } else if (session().tick == checkTick) {
+        if (verdict() == Verdict::Missing && !again())
             fail();
-    } else if (session().tick == lineTime + 2) {
+    } else if (session().tick == nextTick) {
         ++m_index;
         if (nextChunk())
             return;
         // The count goes on from here instead of beginning anew.
-        session().tick = lineTime + 2;
+        session().tick = nextTick;
         show();
-    } else if (session().tick == endTick) {
+    } else if (session().tick == endTick && isCommandDone()) {
         complete();
     }
 }
@@ -38,6 +40,6 @@ void JpgDownload::step()
 void JpgDownload::show()
 {
     const Display display = m_display();
-    writeWords(displayAddress,
-               {0x5A01 + display.mode, stagingAddress, display.first, display.second});
+    writeCommand(displayAddress,
+                 {0x5A01 + display.mode, stagingAddress, display.first, display.second});
 }

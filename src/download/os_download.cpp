@@ -20,32 +20,37 @@ void OsDownload::load(const QByteArray &file)
     for (int i = 0; i < words; ++i)
         m_line.builder.setVp(static_cast<quint16>(firstAddress + i),
                              bigEndian::wordAt(file, bootBytes + 2 * i));
-    m_frames.clear();
+    m_loaded.clear();
     for (int i = 0; i < words; i += frameWords)
-        m_frames +=
+        m_loaded +=
             m_line.builder.buildWriteVpFrame(static_cast<quint16>(firstAddress + i),
                                              static_cast<quint8>(qMin(frameWords, words - i)));
 }
 
 void OsDownload::start()
 {
-    m_sent = m_frames;
+    m_frames.load(m_loaded, isStrict());
+    // In the window a stage that an earlier exchange left stays, and so does the tick.
+    if (isStrict())
+        rewind();
     session().takeOver(commandType());
 }
 
 void OsDownload::step()
 {
+    // 13 bits a byte leave room for pauses; 468 bytes are the module's time to take them in.
+    constexpr int bitsPerByte = 13;
+    const int settling = m_frames.isAtEnd() ? 468 : 0;
     switch (m_stage) {
     case Stage::Announce:
         announce();
         break;
     case Stage::Send:
-        if (session().tick > ticksFor(1664) + 1)
+        if (session().tick > ticksFor(1664) + 1 && isAnnounced())
             send();
         break;
     case Stage::Verdict:
-        // 13 bits a byte leave room for pauses; 468 bytes are the module's time to take them in.
-        if (session().tick > ticksFor((m_sent.size() + 468) * 13) + 1)
+        if (session().tick > ticksFor((m_bytes + settling) * bitsPerByte) + 1)
             judge();
         break;
     }
@@ -57,9 +62,20 @@ void OsDownload::announce()
     if (!ensureOpen())
         return;
     m_line.builder.setCmd8FArgument(announceArgument);
-    m_line.link.write(m_line.builder.buildCmd8FFrame());
+    writeAwaited(m_line.builder.buildCmd8FFrame());
     session().replyReceived = false;
     enter(Stage::Send);
+}
+
+bool OsDownload::isAnnounced()
+{
+    if (m_isAnnounced)
+        return true;
+    const Verdict found = strictVerdict();
+    m_isAnnounced = found == Verdict::Came;
+    if (found == Verdict::Missing)
+        fail();
+    return m_isAnnounced;
 }
 
 void OsDownload::send()
@@ -67,29 +83,47 @@ void OsDownload::send()
     // These words stay in the mirror and are never sent. That is wanted.
     m_line.builder.setVp(0x0006, 0x5A10);
     m_line.builder.setVp(0x0007, firstAddress);
-    m_line.link.write(m_sent);
+    const QByteArray bytes = m_frames.take();
+    m_bytes = bytes.size();
+    writeAwaited(bytes, m_frames.taken());
     enter(Stage::Verdict);
 }
 
 void OsDownload::judge()
 {
-    const bool isAcknowledged = session().replyReceived;
-    const Text &verdict = isAcknowledged ? texts::downloadComplete : texts::downloadFailed;
-    if (m_line.policy.settlesFirst) {
-        settle(isAcknowledged);
-        m_line.notices.warn(verdict);
+    if (!isStrict()) {
+        tellAsTheWindow();
         return;
     }
+    switch (verdict()) {
+    case Verdict::Came:
+        showProgress(m_frames.sent(), m_loaded.size());
+        if (m_frames.isAtEnd()) {
+            complete();
+            break;
+        }
+        beginPiece();
+        send();
+        break;
+    case Verdict::Missing:
+        m_frames.putBack();
+        m_stage = Stage::Send;
+        if (!again())
+            fail();
+        break;
+    case Verdict::Awaited:
+        break;
+    }
+}
+
+void OsDownload::tellAsTheWindow()
+{
+    const bool isAcknowledged = session().replyReceived;
     if (m_openBoxes == maxBoxes)
         return;
     ++m_openBoxes;
-    m_line.notices.warn(verdict);
+    m_line.notices.warn(isAcknowledged ? texts::downloadComplete : texts::downloadFailed);
     --m_openBoxes;
-    settle(isAcknowledged);
-}
-
-void OsDownload::settle(bool isAcknowledged)
-{
     end(isAcknowledged ? Outcome::Done : Outcome::Failed);
     if (!isAcknowledged)
         return;
@@ -100,6 +134,12 @@ void OsDownload::settle(bool isAcknowledged)
 int OsDownload::ticksFor(int bits) const
 {
     return lineTicks(bits, waitRate(m_line.settings.baudRate));
+}
+
+void OsDownload::rewind()
+{
+    m_stage = Stage::Announce;
+    m_isAnnounced = false;
 }
 
 void OsDownload::enter(Stage stage)

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "download/frame_train.h"
 #include "engine/step.h"
 
-/// The module's operating system, which goes over UART2 in one write: announced by a system frame,
-/// then all frames back to back. When the module has acknowledged them it is restarted.
+/// The module's operating system, which goes over UART2: announced by a system frame, then all
+/// frames back to back. In the window, when the module has acknowledged any of them, it is
+/// restarted; strict, each must be, and whoever sends a system restarts the module once it is
+/// checked.
 ///
-/// An exchange that another one replaces keeps its stage, and the next one goes on from there; that
-/// is wanted. So is, in the window, that the outcome is final only after its box: each tick
+/// In the window, an exchange that another one replaces keeps its stage, and the next one goes on
+/// from there; that is wanted. So is that the outcome is final only after its box: each tick
 /// meanwhile opens another box, up to `maxBoxes`.
 class OsDownload final : public Step
 {
@@ -27,28 +30,31 @@ public:
     /// settings of this moment.
     void load(const QByteArray &file);
     /// Nothing was loaded, or nothing behind the boot bytes.
-    bool isEmpty() const { return m_frames.isEmpty(); }
+    bool isEmpty() const { return m_loaded.isEmpty(); }
 
-    /// Starts sending what was loaded last. A stage that an earlier exchange left stays, and so
-    /// does the tick.
+    /// Starts sending what was loaded last.
     void start();
     void step() override;
 
 protected:
-    void rewind() override { m_stage = Stage::Announce; }
+    void rewind() override;
 
 private:
     enum class Stage { Announce, Send, Verdict };
 
     void announce();
+    bool isAnnounced();
     void send();
     void judge();
+    void tellAsTheWindow();
     void settle(bool isAcknowledged);
     int ticksFor(int bits) const;
     void enter(Stage stage);
 
-    QByteArray m_frames; ///< that were loaded last
-    QByteArray m_sent;   ///< of the running exchange
+    QVector<QByteArray> m_loaded;
+    FrameTrain m_frames; ///< of the running exchange
+    int m_bytes = 0;     ///< that were sent last
     Stage m_stage = Stage::Announce;
+    bool m_isAnnounced = false;
     int m_openBoxes = 0;
 };

@@ -12,6 +12,7 @@ void StagedDownload::begin(const QByteArray &data, int chunks)
     m_data = data;
     m_chunks = chunks;
     m_index = 0;
+    m_command.clear();
     session().replyReceived = false;
     showProgress(m_index, m_chunks);
     session().start(commandType());
@@ -38,17 +39,53 @@ QByteArray StagedDownload::vpFrame(quint16 address, const QByteArray &bytes)
     return m_line.builder.buildWriteVpFrame(address, static_cast<quint8>(words));
 }
 
-void StagedDownload::writeWords(quint16 address, const QVector<int> &words)
+void StagedDownload::writeCommand(quint16 address, const QVector<int> &words)
 {
     QByteArray bytes;
     for (const int word : words)
         bigEndian::appendWord(bytes, static_cast<quint16>(word));
-    m_line.link.write(vpFrame(address, bytes));
+    m_command = vpFrame(address, bytes);
+    writeAwaited(m_command);
+}
+
+bool StagedDownload::isCommandDone()
+{
+    switch (m_command.isEmpty() ? Verdict::Came : strictVerdict()) {
+    case Verdict::Came:
+        m_command.clear();
+        return true;
+    case Verdict::Missing:
+        m_isCommandMissed = again();
+        if (!m_isCommandMissed)
+            fail();
+        return false;
+    case Verdict::Awaited:
+        break;
+    }
+    return false;
+}
+
+bool StagedDownload::sendsCommandAgain(int commandTick)
+{
+    if (!m_isCommandMissed)
+        return false;
+    m_isCommandMissed = false;
+    writeAwaited(m_command);
+    session().tick = commandTick;
+    return true;
 }
 
 bool StagedDownload::nextChunk()
 {
     session().tick = 0;
+    if (m_index < m_chunks)
+        beginPiece();
     showProgress(m_index, m_chunks);
     return m_index < m_chunks;
+}
+
+void StagedDownload::rewind()
+{
+    m_command.clear();
+    m_isCommandMissed = false;
 }

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include <functional>
+
 /// Numbers of the exchanges with the module; 0 is none.
 namespace commandType {
 inline constexpr int idle = 0;
@@ -28,10 +30,12 @@ struct DownloadSession
 {
     int commandType = commandType::idle;
     int tick = 0;               ///< ticks since the current step began; 0 while idle
+    quint32 passed = 0;         ///< ticks of all exchanges, also those at which a step waited
     bool replyReceived = false; ///< the module acknowledged; cleared by some steps only
     quint16 writeStart = 0;     ///< first VP address of a write-VP exchange
     quint8 writeCount = 0;      ///< words or register bytes of a write exchange
     quint32 starts = 0;         ///< exchanges started so far, so that the clock sees each of them
+    std::function<void()> onStart = [] {}; ///< called when one is
 
     /// Starts the exchange `type`, in place of the running one if there is one. What it needs must
     /// be prepared before.
@@ -46,5 +50,6 @@ struct DownloadSession
     {
         commandType = type;
         ++starts;
+        onStart();
     }
 };

@@ -24,9 +24,8 @@ Engine::Engine(SerialLink &uart, SerialLink &ed2, Notices &notices, const StepPo
           },
           time)
     , m_readRegisters(add(
-          std::make_unique<Transaction>(commandType::readRegister, this->uart(), Answer::Anything)))
-    , m_readVp(
-          add(std::make_unique<Transaction>(commandType::readVp, this->uart(), Answer::Anything)))
+          std::make_unique<Transaction>(commandType::readRegister, this->uart(), Answer::Reply)))
+    , m_readVp(add(std::make_unique<Transaction>(commandType::readVp, this->uart(), Answer::Reply)))
     , m_writeRegisters(add(std::make_unique<Transaction>(commandType::writeRegister, this->uart(),
                                                          Answer::Acknowledgement)))
     , m_writeVp(add(std::make_unique<Transaction>(commandType::writeVp, this->uart(),
@@ -43,6 +42,7 @@ Engine::Engine(SerialLink &uart, SerialLink &ed2, Notices &notices, const StepPo
         connect(replies, &ReplyReceiver::vpRead, this, &Engine::vpRead);
     }
     connect(&m_reports, &ExchangeReports::progressed, this, &Engine::progressed);
+    connect(&m_reports, &ExchangeReports::repeated, this, &Engine::repeated);
     connect(&m_reports, &ExchangeReports::ended, this, &Engine::ended);
 }
 
@@ -66,8 +66,8 @@ void Engine::useUart(const SerialSettings &settings)
     m_uartSettings = settings;
     applyToLink(settings, m_uart);
     // Both links are matched against the header of the UART2 settings.
-    m_uartReplies.setHeader(settings.header1, settings.header2);
-    m_ed2Replies.setHeader(settings.header1, settings.header2);
+    for (ReplyReceiver *replies : {&m_uartReplies, &m_ed2Replies})
+        replies->setHeader(settings.header1, settings.header2, settings.crcEnabled);
     m_builder.setHeader(settings.header1, settings.header2, settings.crcEnabled);
     m_trafficLog.setFormat({settings.header1, settings.header2, settings.crcEnabled});
 }
@@ -80,14 +80,14 @@ void Engine::useEd2(const SerialSettings &settings)
 
 Line Engine::uart()
 {
-    return {m_session,    m_uart,         m_builder, m_notices,
-            m_trafficLog, m_uartSettings, m_reports, m_policy};
+    return {m_session,    m_uart,         m_uartReplies, m_builder, m_notices,
+            m_trafficLog, m_uartSettings, m_reports,     m_policy};
 }
 
 Line Engine::ed2()
 {
-    return {m_session,    m_ed2,         m_builder, m_notices,
-            m_trafficLog, m_ed2Settings, m_reports, m_policy};
+    return {m_session,    m_ed2,         m_ed2Replies, m_builder, m_notices,
+            m_trafficLog, m_ed2Settings, m_reports,    m_policy};
 }
 
 void Engine::readRegisters(RangeSource range)

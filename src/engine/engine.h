@@ -92,6 +92,7 @@ signals:
     void vpRead(quint16 startAddress);
     // As ExchangeReports tells them.
     void progressed(int type, int percent);
+    void repeated(int type, int time);
     void ended(int type, Outcome outcome);
 
 private:

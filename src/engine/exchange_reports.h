@@ -18,6 +18,8 @@ class ExchangeReports : public QObject
 signals:
     /// Of the exchange `type`; `percent` from 0 to 100.
     void progressed(int type, int percent);
+    /// A piece was not answered, and is sent again: for the `time`th time, from 1.
+    void repeated(int type, int time);
     /// Emitted when the outcome is final, before any box about it. An exchange that another one
     /// replaces has no end.
     void ended(int type, Outcome outcome);

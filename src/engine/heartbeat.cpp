@@ -10,6 +10,19 @@ Heartbeat::Heartbeat(DownloadSession &session, StepDispatch &dispatch,
     m_timer.setInterval(time.turn);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &Heartbeat::onTimeout);
+    m_session.onStart = [this] { wake(); };
+}
+
+void Heartbeat::start()
+{
+    m_isStarted = true;
+    wake();
+}
+
+void Heartbeat::wake()
+{
+    if (m_isStarted && !m_timer.isActive())
+        m_timer.start();
 }
 
 void Heartbeat::onTimeout()
@@ -17,10 +30,11 @@ void Heartbeat::onTimeout()
     emit fired();
     if (m_session.commandType == commandType::idle) {
         m_dispatch.tick();
+        m_timer.stop();
         return;
     }
     // Queued, because Qt delivers no event of a timer whose own slot still runs: ticks must go on
-    // in the event loop of a box that a step shows. An idle window is spared the detour.
+    // in the event loop of a box that a step shows.
     QMetaObject::invokeMethod(this, &Heartbeat::runDueTicks, Qt::QueuedConnection);
 }
 

@@ -12,6 +12,7 @@ struct DownloadSession;
 class StepDispatch;
 
 /// The tool's pulse: while an exchange runs, one tick of it for every millisecond that has passed.
+/// Nobody is woken while none runs.
 ///
 /// Before ticks run, `readLinks` takes in what waits in the ports, so that no check tick is judged
 /// before a reply that has already arrived.
@@ -23,13 +24,15 @@ public:
     Heartbeat(DownloadSession &session, StepDispatch &dispatch, std::function<void()> readLinks,
               const TimeSource &time = {});
 
-    void start() { m_timer.start(); }
+    /// Before, exchanges that were started wait.
+    void start();
 
 signals:
-    /// A millisecond has passed, or several; also while no exchange runs.
+    /// A millisecond has passed, or several, while an exchange ran; it may have ended.
     void fired();
 
 private:
+    void wake();
     void onTimeout();
     void runDueTicks();
 
@@ -38,6 +41,7 @@ private:
     const std::function<void()> m_readLinks;
     const std::function<qint64()> m_now;
     QTimer m_timer;
+    bool m_isStarted = false;
     TickClock m_clock;
     quint32 m_startsSeen = 0;
 };

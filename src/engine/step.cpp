@@ -1,5 +1,7 @@
 #include "engine/step.h"
 
+#include "engine/line_ticks.h"
+
 namespace {
 
 const Text &cause(OpenFailure failure)
@@ -36,16 +38,76 @@ bool Step::ensureOpen()
     return false;
 }
 
-void Step::writeAwaited(const QByteArray &bytes)
+void Step::write(const QByteArray &bytes)
 {
-    if (m_line.policy.awaitsEach)
-        session().replyReceived = false;
+    m_sentAt = session().passed + static_cast<quint32>(lineTime(bytes.size()));
     m_line.link.write(bytes);
+}
+
+void Step::writeAwaited(const QByteArray &bytes, int frames)
+{
+    if (isStrict()) {
+        m_line.replies.expect(bytes);
+        m_awaited = frames;
+        m_answeredAt = 0;
+        m_patience = m_line.policy.patience + lineTime(ReplyReceiver::replyBytes(bytes));
+    }
+    write(bytes);
+}
+
+int Step::lineTime(qint64 bytes) const
+{
+    constexpr int bitsPerByte = 10;
+    return lineTicks(bytes * bitsPerByte, linkRate(m_line.settings.baudRate));
+}
+
+Step::Verdict Step::verdict()
+{
+    if (!isStrict())
+        return session().replyReceived ? Verdict::Came : Verdict::Missing;
+    const quint32 now = session().passed;
+    if (m_line.replies.answers() >= m_awaited) {
+        if (m_answeredAt == 0)
+            m_answeredAt = now;
+        // What was sent twice may be answered twice: that must not count for what comes next.
+        if (m_repeats == 0 || now - m_answeredAt >= static_cast<quint32>(2 * m_patience))
+            return Verdict::Came;
+    } else if (ticksSinceSent() > m_patience) {
+        return Verdict::Missing;
+    }
+    hold();
+    return Verdict::Awaited;
+}
+
+bool Step::holdsUntilSent()
+{
+    if (!isStrict() || ticksSinceSent() > 0)
+        return false;
+    hold();
+    return true;
+}
+
+int Step::ticksSinceSent()
+{
+    if (m_line.link.bytesToSend() > 0)
+        m_sentAt = qMax(m_sentAt, session().passed);
+    return qMax(0, static_cast<int>(session().passed - m_sentAt));
+}
+
+bool Step::again(int silence)
+{
+    if (!isStrict() || m_repeats >= m_line.policy.repeats)
+        return false;
+    ++m_repeats;
+    emit m_line.reports.repeated(m_commandType, m_repeats);
+    session().tick = -silence;
+    return true;
 }
 
 void Step::end(Outcome outcome)
 {
     session().commandType = commandType::idle;
+    m_repeats = 0;
     rewind();
     m_line.link.close();
     emit m_line.reports.ended(m_commandType, outcome);
@@ -63,6 +125,12 @@ void Step::fail()
     end(Outcome::Failed);
     session().replyReceived = false; // of a device that was lost, it must not count for the next
     m_line.notices.warn(texts::communicationFailure);
+}
+
+void Step::beginPiece()
+{
+    session().tick = 0;
+    m_repeats = 0;
 }
 
 void Step::showProgress(int done, int all)

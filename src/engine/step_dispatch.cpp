@@ -14,6 +14,7 @@ void StepDispatch::tick()
         m_session.tick = 0;
         return;
     }
+    ++m_session.passed;
     // An exchange without an end may count for weeks.
     if (m_session.tick < std::numeric_limits<int>::max())
         ++m_session.tick;

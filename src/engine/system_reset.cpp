@@ -7,12 +7,21 @@ void SystemReset::step()
         if (!ensureOpen())
             return;
         m_line.builder.setCmd8FArgument(announceArgument);
-        m_line.link.write(m_line.builder.buildCmd8FFrame());
+        writeAwaited(m_line.builder.buildCmd8FFrame());
         enter(Stage::Reset);
         break;
     case Stage::Reset:
         if (session().tick <= settleTicks)
             return;
+        switch (strictVerdict()) {
+        case Verdict::Awaited:
+            return;
+        case Verdict::Missing:
+            fail();
+            return;
+        case Verdict::Came:
+            break;
+        }
         m_line.builder.setVp(resetAddress, resetWord1);
         m_line.builder.setVp(resetAddress + 1, resetWord2);
         m_line.link.write(m_line.builder.buildWriteVpFrame(resetAddress, 2));

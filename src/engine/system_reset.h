@@ -3,7 +3,8 @@
 #include "engine/step.h"
 
 /// Restarts the module's system over UART2: announces it with a system frame, then writes the reset
-/// words. No reply is awaited and no message is shown.
+/// words. In the window no reply is awaited and no message is shown; a strict reset needs its
+/// announcement acknowledged.
 ///
 /// An exchange that another one replaces keeps its stage, and the next reset goes on from there.
 /// That is wanted.

@@ -17,11 +17,32 @@ void Transaction::step()
         const QByteArray frame = m_frame();
         writeAwaited(frame);
         m_line.log.add(TrafficLog::Direction::Sent, frame);
+    } else if (session().tick == sendTick + 1 && holdsUntilSent()) {
+        return;
+    } else if (isStrict() && m_answer == Answer::Reply) {
+        if (session().tick > sendTick)
+            judge();
     } else if (session().tick == m_endTick) {
-        if (m_answer == Answer::Acknowledgement && !session().replyReceived)
-            fail();
+        if (m_answer == Answer::Acknowledgement)
+            judge();
         else
             end(Outcome::Done);
+    }
+}
+
+void Transaction::judge()
+{
+    switch (verdict()) {
+    case Verdict::Came:
+        end(Outcome::Done);
+        break;
+    case Verdict::Missing:
+        // To read again does no harm; to write again might.
+        if (m_answer != Answer::Reply || !again())
+            fail();
+        break;
+    case Verdict::Awaited:
+        break;
     }
 }
 

@@ -10,6 +10,7 @@ class Transaction final : public Step
 public:
     enum class Answer {
         Acknowledgement, ///< must have come by the end, or the exchange has failed
+        Reply,           ///< to a read: strict, the exchange ends with it, or has failed
         Anything,        ///< replies are taken in as they come; silence is no failure
     };
 
@@ -22,7 +23,7 @@ public:
     }
 
     /// Starts the exchange; `frame` builds the bytes to send, at the very tick that sends them. It
-    /// ends at tick `ticks`, above `sendTick`.
+    /// ends at tick `ticks`, above `sendTick`; strict ticks count from when all bytes are sent.
     void start(std::function<QByteArray()> frame, int ticks = endTick);
     void step() override;
 
@@ -30,6 +31,8 @@ protected:
     void rewind() override;
 
 private:
+    void judge();
+
     const Answer m_answer;
     std::function<QByteArray()> m_frame;
     int m_endTick = endTick;

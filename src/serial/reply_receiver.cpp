@@ -2,6 +2,7 @@
 
 #include "common/big_endian.h"
 #include "serial/frame_builder.h"
+#include "serial/modbus_crc16.h"
 
 using bigEndian::byteAt;
 using bigEndian::wordAt;
@@ -13,6 +14,20 @@ constexpr int commandOffset = 3;
 constexpr int bodyOffset = 4;
 constexpr int addressedBytes = 3; // command, and address or page and address
 constexpr int envelopeBytes = 3;  // header pair and length byte: what the length does not count
+constexpr int crcBytes = 2;
+
+bool isRead(const QByteArray &request)
+{
+    const quint8 asked = byteAt(request, commandOffset);
+    return asked == command::readRegister || asked == command::readVp;
+}
+
+/// The bytes that the read `request` asks for.
+int askedBytes(const QByteArray &request)
+{
+    const int count = byteAt(request, bodyOffset + 2);
+    return byteAt(request, commandOffset) == command::readVp ? 2 * count : count;
+}
 
 } // namespace
 
@@ -22,8 +37,9 @@ ReplyReceiver::ReplyReceiver(const ReceiveRules &rules, FrameBuilder &mirrors, b
 {
 }
 
-void ReplyReceiver::setHeader(quint8 header1, quint8 header2)
+void ReplyReceiver::setHeader(quint8 header1, quint8 header2, bool crcEnabled)
 {
+    m_hasCrc = crcEnabled && m_rules.mayHaveCrc;
     m_header1 = header1;
     m_header2 = header2;
 }
@@ -31,6 +47,10 @@ void ReplyReceiver::setHeader(quint8 header1, quint8 header2)
 void ReplyReceiver::receive(const QByteArray &bytes)
 {
     m_buffer.append(bytes);
+    if (!m_request.isEmpty()) {
+        takeAnswers();
+        return;
+    }
     if (m_buffer.size() < m_rules.minimumBytes)
         return;
     const int unfinished = scan();
@@ -40,6 +60,64 @@ void ReplyReceiver::receive(const QByteArray &bytes)
         m_buffer.clear();
     else if (m_buffer.size() > maxKeptBytes)
         m_buffer.remove(0, unfinished);
+}
+
+void ReplyReceiver::expect(const QByteArray &request)
+{
+    m_buffer.clear();
+    m_request = request;
+    m_answers = 0;
+    m_replyReceived = false;
+}
+
+int ReplyReceiver::replyBytes(const QByteArray &request)
+{
+    constexpr int acknowledgement = bodyOffset + 2;
+    return crcBytes +
+           (isRead(request) ? bodyOffset + addressedBytes + askedBytes(request) : acknowledgement);
+}
+
+void ReplyReceiver::takeAnswers()
+{
+    int i = 0;
+    while (i < m_buffer.size()) {
+        const quint8 first = byteAt(m_buffer, i);
+        if (isHeaderAt(i)) {
+            const int end = i + envelopeBytes + byteAt(m_buffer, i + lengthOffset);
+            if (i + lengthOffset >= m_buffer.size() || end > m_buffer.size())
+                break;
+            if (answersAt(i)) {
+                dispatch(i);
+                ++m_answers;
+            }
+            i = end;
+        } else if (isAcknowledgementAt(i) && !m_hasCrc && !isRead(m_request)) {
+            m_replyReceived = true;
+            ++m_answers;
+            i += 2;
+        } else if (i + 1 == m_buffer.size() && (first == m_header1 || first == 'O')) {
+            break;
+        } else {
+            ++i;
+        }
+    }
+    m_buffer.remove(0, i);
+}
+
+bool ReplyReceiver::answersAt(int start) const
+{
+    const QByteArray content =
+        m_buffer.mid(start + commandOffset, byteAt(m_buffer, start + lengthOffset));
+    if (byteAt(content, 0) != byteAt(m_request, commandOffset))
+        return false;
+    const int data = content.size() - (m_hasCrc ? crcBytes : 0);
+    if (m_hasCrc && ModbusCrc16::appendedTo(content.left(data), 0) != content)
+        return false;
+    if (!isRead(m_request))
+        return data >= 3 && isAcknowledgementAt(start + bodyOffset);
+    // Which words or registers, and how many, stands in both at the same place.
+    return data >= 1 + addressedBytes + askedBytes(m_request) &&
+           content.mid(1, addressedBytes) == m_request.mid(bodyOffset, addressedBytes);
 }
 
 int ReplyReceiver::scan()

@@ -13,16 +13,23 @@ struct ReceiveRules
     /// A header pair at the very end of the buffer waits for its length byte; otherwise it is
     /// skipped, and a frame that was cut there is lost.
     bool waitsForLengthByte;
+    /// The frames carry a CRC where the settings say so.
+    bool mayHaveCrc;
 };
 
-inline constexpr ReceiveRules uartReceiveRules{6, true};
-inline constexpr ReceiveRules ed2ReceiveRules{0, false};
+inline constexpr ReceiveRules uartReceiveRules{6, true, true};
+inline constexpr ReceiveRules ed2ReceiveRules{0, false, false};
 
 /// Finds the module's replies in what one link delivers, whatever way the bytes are cut.
 ///
 /// Read replies go into the mirrors and are announced by a signal; acknowledgements set the reply
 /// flag. CRC bytes are never checked: they only count in the length. Bytes that a reply promises
 /// and does not bring read as 0.
+///
+/// From the first expect() on it is strict: what came before counts no more, and of what comes only
+/// what answers the request. That is an acknowledgement of its command, or for a read the reply
+/// with the same range and all of its data, and with CRC one whose CRC holds; without it also a
+/// bare OK.
 class ReplyReceiver : public QObject
 {
     Q_OBJECT
@@ -35,9 +42,17 @@ public:
     ReplyReceiver(const ReceiveRules &rules, FrameBuilder &mirrors, bool &replyReceived,
                   QObject *parent = nullptr);
 
-    /// The header bytes by which frames are recognised.
-    void setHeader(quint8 header1, quint8 header2);
+    /// The header bytes by which frames are recognised, and whether they carry a CRC.
+    void setHeader(quint8 header1, quint8 header2, bool crcEnabled = false);
     void receive(const QByteArray &bytes);
+
+    /// Forgets all that was received, and looks for answers to `request`, the first of the frames
+    /// that are about to be sent.
+    void expect(const QByteArray &request);
+    /// How many of them have come since.
+    int answers() const { return m_answers; }
+    /// The length of the reply to the read `request`; to any other that of an acknowledgement.
+    static int replyBytes(const QByteArray &request);
 
 signals:
     void registersRead();
@@ -49,6 +64,9 @@ private:
     int scan();
     bool isHeaderAt(int index) const;
     bool isAcknowledgementAt(int index) const;
+    void takeAnswers();
+    /// Whether the complete frame at `start` answers the request.
+    bool answersAt(int start) const;
     void dispatch(int start);
     void storeRegisters(int body);
     void storeVp(int body);
@@ -58,5 +76,8 @@ private:
     bool &m_replyReceived;
     quint8 m_header1 = 0;
     quint8 m_header2 = 0;
+    bool m_hasCrc = false;
     QByteArray m_buffer;
+    QByteArray m_request; ///< empty before the first one
+    int m_answers = 0;
 };

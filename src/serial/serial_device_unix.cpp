@@ -88,7 +88,9 @@ bool serialDevice::isForbidden(const QString &name)
 
 bool serialDevice::isSame(const QString &name, const QString &otherName)
 {
-    return deviceFile(name) == deviceFile(otherName);
+    const QString device = deviceFile(name).canonicalFilePath();
+    return device.isEmpty() ? name == otherName
+                            : device == deviceFile(otherName).canonicalFilePath();
 }
 
 QStringList serialDevice::holders(const QString &name)

@@ -3,7 +3,6 @@
 #include "serial/serial_link.h"
 
 #include <algorithm>
-#include <array>
 
 namespace {
 
@@ -22,10 +21,9 @@ QString devicePath(const QString &portName)
 
 int linkRate(int chosen)
 {
-    constexpr std::array<int, 11> accepted{1200,  2400,  4800,   9600,   19200,  38400,
-                                           56000, 57600, 115200, 128000, 6250000};
     // Rates that the dialog offers and the link replaces silently are wanted so.
-    const bool isAccepted = std::find(accepted.begin(), accepted.end(), chosen) != accepted.end();
+    const bool isAccepted =
+        std::find(linkRates.begin(), linkRates.end(), chosen) != linkRates.end();
     return isAccepted ? chosen : fallbackRate;
 }
 

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <array>
+
 class SerialLink;
 
 /// The confirmed settings of one port.
@@ -17,6 +19,10 @@ struct SerialSettings
 /// The name that opens port `portName`: numbers above 9 behind the first three characters need the
 /// device prefix "\\.\". A name that starts with "/" is a path and is used as it stands.
 QString devicePath(const QString &portName);
+
+/// The rates in bit/s that the link accepts.
+inline constexpr std::array<int, 11> linkRates{1200,  2400,  4800,   9600,   19200,  38400,
+                                               56000, 57600, 115200, 128000, 6250000};
 
 /// The rate in bit/s at which the link runs when `chosen` was chosen: 115200 for every number that
 /// the link does not accept, the offered 230400, 460800 and 921600 among them.

@@ -10,7 +10,7 @@ namespace {
 
 struct Bench : StepBench
 {
-    explicit Bench(const BlockDownload::Kind &kind, const StepPolicy &stepPolicy = asTheWindow)
+    explicit Bench(const BlockDownload::Kind &kind, const StepPolicy &stepPolicy = windowPolicy)
         : StepBench(stepPolicy), download(add<BlockDownload>(line, kind))
     {
     }
@@ -133,12 +133,25 @@ private slots:
 
     void strictDownloadsAwaitEachAcknowledgement()
     {
+        const QByteArray ok = QByteArray::fromHex("5AA503804F4B");
         Bench bench(BlockDownload::fonts(), {});
+        bench.replies.setHeader(0x5A, 0xA5);
         bench.download->start({{1, "a"}, {2, "b"}}, 800);
+        bench.tick(240);
+        QCOMPARE(bench.link.written.size(), 1);
+        bench.replies.receive(ok); // late
         bench.tick(1);
-        bench.session.replyReceived = true;
-        bench.tick(899);
+        QCOMPARE(bench.link.written.last(), QByteArray("a"));
+        bench.link.waiting = 1; // a line that is slow
+        bench.tick(5000);
+        QCOMPARE(bench.link.written.size(), 2);
+        bench.link.waiting = 0;
+        bench.replies.receive(ok + ok); // to nothing that was asked
+        bench.tick(701);
         QCOMPARE(bench.link.written.size(), 3);
+        // The second block is asked for three times more, and then given up.
+        bench.tick(4 * 1000);
+        QCOMPARE(bench.link.written.size(), 6);
         QCOMPARE(bench.outcomes, QVector<Outcome>{Outcome::Failed});
     }
 };

@@ -156,7 +156,9 @@ private slots:
             QCOMPARE(module.lines.last().contains(" refused: "), !isDone);
             QVERIFY2(module.lines.last().contains(row.reason), row.frame);
             QCOMPARE(module.vp(static_cast<quint8>(frame.at(5))) == 0, !isDone);
-            QCOMPARE(module.uart(frame), QByteArray()); // what was moved is not staged any more
+            // What was moved is not staged any more; only the same command may come again.
+            QCOMPARE(module.uart(frame), isDone ? acknowledged : QByteArray());
+            QCOMPARE(module.lines.last().contains("already"), isDone);
         }
         for (const char *handshake :
              {"5AA5 04 80 F3 5B 20", "5AA5 03 80 F3 5A", "5AA5 05 80 F3 5A 20 00",

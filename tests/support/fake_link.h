@@ -14,6 +14,7 @@ public:
     QStringList programs; ///< that hold the port
     QString name;
     int rate = 0;
+    qint64 waiting = 0; ///< bytes that have not left the computer
     int opens = 0;
     int closes = 0;
     QVector<QByteArray> written;
@@ -44,6 +45,7 @@ public:
         written.append(bytes);
         whenWritten(bytes);
     }
+    qint64 bytesToSend() const override { return waiting; }
     QByteArray readAll() override { return {}; }
     void poll() override {}
 

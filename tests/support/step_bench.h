@@ -5,13 +5,10 @@
 #include "support/fake_link.h"
 #include "support/recording_notices.h"
 
-/// What the window asks of its steps.
-inline constexpr StepPolicy asTheWindow{false, false};
-
 /// A session whose steps run tick by tick over a link without a device.
 struct StepBench
 {
-    explicit StepBench(const StepPolicy &stepPolicy = asTheWindow) : policy(stepPolicy)
+    explicit StepBench(const StepPolicy &stepPolicy = windowPolicy) : policy(stepPolicy)
     {
         builder.setHeader(0x5A, 0xA5, false);
         link.whenWritten = [this](const QByteArray &) { writeTicks.append(ticks); };
@@ -50,7 +47,8 @@ struct StepBench
     RecordingNotices notices;
     TrafficLog log;
     SerialSettings settings{{}, 115200};
+    ReplyReceiver replies{uartReceiveRules, builder, session.replyReceived};
     ExchangeReports reports;
     StepDispatch dispatch{session};
-    const Line line{session, link, builder, notices, log, settings, reports, policy};
+    const Line line{session, link, replies, builder, notices, log, settings, reports, policy};
 };

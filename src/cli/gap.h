@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+
+/// How it is told that the port of `link` was away, for `milliseconds`.
+namespace gap {
+
+inline QJsonObject json(const QString &link, qint64 milliseconds)
+{
+    return {{"type", "gap"}, {"link", link}, {"seconds", static_cast<double>(milliseconds) / 1000}};
+}
+
+inline QString text(const QString &link, qint64 milliseconds)
+{
+    return QString("-- %1: the port was away for %2 s")
+        .arg(link)
+        .arg(static_cast<double>(milliseconds) / 1000, 0, 'f', 1);
+}
+
+} // namespace gap
