@@ -79,6 +79,7 @@ inline constexpr Text noSuchPort{
     "没有这个串口。请插好适配器，或在串口设置中选择其他串口。"};
 inline constexpr Text portInUse{"Another program is using the port. Close that program first.",
                                 "串口正被其他程序占用。请先关闭该程序。"};
+/// %1 are the programs, where the system tells.
 inline constexpr Text portHeldBy{"Another program is using the port. Close that program first.\n"
                                  "It is held by %1.",
                                  "串口正被其他程序占用。请先关闭该程序。\n占用它的程序：%1。"};
