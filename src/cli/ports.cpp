@@ -25,6 +25,9 @@ QStringList listed()
 
 QString resolved(const QString &given)
 {
+    // A path says it all, and looking for all ports of the system takes its time.
+    if (given.startsWith('/'))
+        return given;
     QStringList found;
     for (const QSerialPortInfo &port : QSerialPortInfo::availablePorts()) {
         if (port.portName() == given)
