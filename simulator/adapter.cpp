@@ -55,29 +55,19 @@ int Adapter::pieceBytes() const
 
 QByteArray Adapter::damaged(const QByteArray &reply)
 {
-    if (happens(m_wiring.lost))
+    if (m_random.happens(m_wiring.lost))
         return {};
-    QByteArray bytes = happens(m_wiring.doubled) ? reply + reply : reply;
-    if (happens(m_wiring.flipped) && !bytes.isEmpty()) {
-        const int index = anyUpTo(bytes.size() - 1);
-        bytes[index] = static_cast<char>(bytes.at(index) ^ 1 << anyUpTo(7));
+    QByteArray bytes = m_random.happens(m_wiring.doubled) ? reply + reply : reply;
+    if (m_random.happens(m_wiring.flipped) && !bytes.isEmpty()) {
+        const int index = m_random.upTo(bytes.size() - 1);
+        bytes[index] = static_cast<char>(bytes.at(index) ^ 1 << m_random.upTo(7));
     }
     return bytes;
 }
 
-bool Adapter::happens(int perMille)
-{
-    return anyUpTo(999) < perMille;
-}
-
-int Adapter::anyUpTo(int limit)
-{
-    return static_cast<int>(m_random() % (static_cast<quint32>(limit) + 1));
-}
-
 qint64 Adapter::anyJitter()
 {
-    return anyUpTo(m_wiring.jitter) * millisecond;
+    return m_random.upTo(m_wiring.jitter) * millisecond;
 }
 
 void Adapter::pass(int count, qint64 at)

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "simulator/random.h"
+
 #include <QByteArray>
 #include <QQueue>
-
-#include <random>
 
 namespace k7 {
 
@@ -53,15 +53,12 @@ private:
     int pieceBytes() const;
     /// `reply` as it gets through.
     QByteArray damaged(const QByteArray &reply);
-    bool happens(int perMille);
-    /// A number from 0 to `limit`, which is not negative.
-    int anyUpTo(int limit);
     qint64 anyJitter();
     /// Passes the first `count` of the gathered bytes on, at `at` or as soon as the piece before
     /// them allows.
     void pass(int count, qint64 at);
 
-    std::mt19937 m_random; // whose numbers are the same everywhere
+    Random m_random;
     Wiring m_wiring;
     qint64 m_lineFree = 0; ///< when the last reply has come
     QByteArray m_gathered;

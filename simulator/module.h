@@ -83,6 +83,8 @@ public:
     quint16 vp(quint16 address) const { return m_state.vp.at(address); }
     /// Prepares a word; unlike a write by the tool it starts nothing.
     void setVp(quint16 address, quint16 value) { m_state.vp[address] = value; }
+    /// The same for registers, as far as there are any from `address` of `page` on.
+    void storeRegisters(int page, int address, const QByteArray &data);
     /// From now on a CRC is there only after it was read in vain that many times.
     void setBusyReads(int reads) { m_state.busyReads = reads; }
     /// What the flash is to hold, without a download.
@@ -150,7 +152,6 @@ private:
     void endDownload(qint64 lastByte);
     /// Takes the bytes that belong to the block; what is left of them does not.
     QByteArray storeDownload(const QByteArray &bytes, qint64 now);
-    void storeRegisters(int page, int address, const QByteArray &data);
     void reportScreen();
 
     Arrival &arrival(Link link) { return link == Link::Uart2 ? m_uart : m_ed2; }
