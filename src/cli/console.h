@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ QString decoded(const std::string &word);
 /// Writes `text` at once: all of its characters on a terminal, elsewhere those of the local 8-bit
 /// encoding.
 void print(std::FILE *file, const QString &text);
+/// What there is to read, 4 KiB at most, as soon as there is anything; empty at the end, nothing
+/// where it cannot be read.
+std::optional<QByteArray> readSome(int descriptor);
 /// The platform of Qt that draws text without a display.
 extern const char *const platform;
 /// Whether `file` is a terminal; from then on it understands escape sequences.

@@ -29,6 +29,13 @@ void console::print(std::FILE *file, const QString &text)
     std::fflush(file);
 }
 
+std::optional<QByteArray> console::readSome(int descriptor)
+{
+    QByteArray bytes(4096, '\0');
+    const ssize_t count = ::read(descriptor, bytes.data(), static_cast<size_t>(bytes.size()));
+    return count < 0 ? std::nullopt : std::optional(bytes.left(static_cast<int>(count)));
+}
+
 bool console::isTerminal(std::FILE *file)
 {
     return isatty(fileno(file)) != 0;

@@ -52,6 +52,13 @@ void console::print(std::FILE *file, const QString &text)
     }
 }
 
+std::optional<QByteArray> console::readSome(int descriptor)
+{
+    QByteArray bytes(4096, '\0');
+    const int count = ::_read(descriptor, bytes.data(), static_cast<unsigned>(bytes.size()));
+    return count < 0 ? std::nullopt : std::optional(bytes.left(count));
+}
+
 bool console::isTerminal(std::FILE *file)
 {
     DWORD mode = 0;

@@ -33,15 +33,16 @@ public:
         while (!m_pending.contains('\n')) {
             if (!interrupt::waitForInput(m_file.handle()))
                 throw Failure{ExitCode::interrupted, "interrupted", {}};
-            const QByteArray bytes = m_file.read(4096);
+            // Not as QFile reads, which waits until it has all that was asked for.
+            const auto bytes = console::readSome(m_file.handle());
             // A terminal may end a read when it is interrupted.
-            if (bytes.isEmpty() && interrupt::isPending())
+            if ((!bytes || bytes->isEmpty()) && interrupt::isPending())
                 throw Failure{ExitCode::interrupted, "interrupted", {}};
-            if (m_file.error() != QFileDevice::NoError)
+            if (!bytes)
                 throw brokenOff(m_file.fileName());
-            if (bytes.isEmpty() && m_pending.isEmpty())
+            if (bytes->isEmpty() && m_pending.isEmpty())
                 return std::nullopt;
-            m_pending += bytes.isEmpty() ? QByteArray("\n") : bytes;
+            m_pending += bytes->isEmpty() ? QByteArray("\n") : *bytes;
         }
         const int end = m_pending.indexOf('\n');
         const QString line = QString::fromLocal8Bit(m_pending.left(end)).trimmed();

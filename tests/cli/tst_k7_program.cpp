@@ -42,10 +42,11 @@ private:
         program.setProcessEnvironment(environment);
         program.start(K7, arguments);
         program.write(input);
-        program.closeWriteChannel();
         if (whenItSpeaks) {
             runEventLoopUntil([&] { return program.bytesAvailable() > 0; });
             whenItSpeaks(program);
+        } else {
+            program.closeWriteChannel();
         }
         const int code = exitCodeOf(program);
         return {code, QString(program.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
@@ -83,12 +84,15 @@ private slots:
 
     void interruptionEndsTheProgram()
     {
-        const Run watched =
-            run(onModule({"read", "vp", "0", "--watch", "0.1"}), {},
-                [](QProcess &program) { ::kill(static_cast<pid_t>(program.processId()), SIGINT); });
-        QCOMPARE(watched.code, 130);
-        QCOMPARE(watched.lines.first(), QString("0x0123"));
-        QCOMPARE(watched.errors, QString("k7: interrupted\n"));
+        for (const QStringList &command :
+             {QStringList{"read", "vp", "0", "--watch", "0.1"}, {"run", "-"}}) {
+            const Run watched = run(onModule(command), "read vp 0\n", [](QProcess &program) {
+                ::kill(static_cast<pid_t>(program.processId()), SIGINT);
+            });
+            QCOMPARE(watched.code, 130);
+            QCOMPARE(watched.lines.first(), QString("0x0123"));
+            QCOMPARE(watched.errors, QString("k7: interrupted\n"));
+        }
     }
 
     /// One of two modules is silent: the other one is served, and the table tells.
