@@ -16,6 +16,18 @@ void onSignal(int)
     [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
 }
 
+bool catchSignal(int signal, const struct sigaction &action)
+{
+    return ::sigaction(signal, &action, nullptr) == 0;
+}
+
+/// `nohup` leaves it ignored.
+bool isHangUpIgnored()
+{
+    struct sigaction now = {};
+    return ::sigaction(SIGHUP, nullptr, &now) == 0 && now.sa_handler == SIG_IGN;
+}
+
 } // namespace
 
 int k7::catchStopSignals()
@@ -26,7 +38,7 @@ int k7::catchStopSignals()
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
-    const bool caught =
-        ::sigaction(SIGINT, &action, nullptr) == 0 && ::sigaction(SIGTERM, &action, nullptr) == 0;
+    const bool caught = catchSignal(SIGINT, action) && catchSignal(SIGTERM, action) &&
+                        (isHangUpIgnored() || catchSignal(SIGHUP, action));
     return caught ? signalPipe[0] : -1;
 }

@@ -4,7 +4,7 @@
 
 class QObject;
 
-/// Ctrl-C, and the signal to terminate.
+/// Ctrl-C, the signal to terminate, and the end of the terminal.
 namespace interrupt {
 
 /// From now on they are noticed instead of ending the program at once.

@@ -11,9 +11,10 @@ HANDLE interrupted = nullptr; // stays set: once interrupted, always interrupted
 
 BOOL WINAPI onControlEvent(DWORD event)
 {
-    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
-        return FALSE;
     ::SetEvent(interrupted);
+    // Behind the end of the console Windows ends the program when this returns, or in five seconds.
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT)
+        ::Sleep(INFINITE);
     return TRUE;
 }
 

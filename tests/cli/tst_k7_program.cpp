@@ -84,11 +84,13 @@ private slots:
 
     void interruptionEndsTheProgram()
     {
-        for (const QStringList &command :
-             {QStringList{"read", "vp", "0", "--watch", "0.1"}, {"run", "-"}}) {
-            const Run watched = run(onModule(command), "read vp 0\n", [](QProcess &program) {
-                ::kill(static_cast<pid_t>(program.processId()), SIGINT);
-            });
+        for (const auto &[signal, command] :
+             {std::pair(SIGINT, QStringList{"read", "vp", "0", "--watch", "0.1"}),
+              {SIGHUP, {"run", "-"}}}) {
+            const Run watched =
+                run(onModule(command), "read vp 0\n", [number = signal](QProcess &program) {
+                    ::kill(static_cast<pid_t>(program.processId()), number);
+                });
             QCOMPARE(watched.code, 130);
             QCOMPARE(watched.lines.first(), QString("0x0123"));
             QCOMPARE(watched.errors, QString("k7: interrupted\n"));
