@@ -23,10 +23,9 @@ QString console::decoded(const std::string &word)
     return QString::fromLocal8Bit(word.c_str());
 }
 
-void console::print(std::FILE *file, const QString &text)
+bool console::print(std::FILE *file, const QString &text)
 {
-    std::fprintf(file, "%s", text.toLocal8Bit().constData());
-    std::fflush(file);
+    return std::fprintf(file, "%s", text.toLocal8Bit().constData()) >= 0 && std::fflush(file) == 0;
 }
 
 std::optional<QByteArray> console::readSome(int descriptor)

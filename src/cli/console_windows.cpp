@@ -38,18 +38,16 @@ QString console::decoded(const std::string &word)
     return QString::fromUtf8(word.c_str());
 }
 
-void console::print(std::FILE *file, const QString &text)
+bool console::print(std::FILE *file, const QString &text)
 {
     DWORD mode = 0;
     if (::GetConsoleMode(handleOf(file), &mode)) {
         const std::wstring all = text.toStdWString();
         DWORD written = 0;
-        ::WriteConsoleW(handleOf(file), all.data(), static_cast<DWORD>(all.size()), &written,
-                        nullptr);
-    } else {
-        std::fprintf(file, "%s", text.toLocal8Bit().constData());
-        std::fflush(file);
+        return ::WriteConsoleW(handleOf(file), all.data(), static_cast<DWORD>(all.size()), &written,
+                               nullptr);
     }
+    return std::fprintf(file, "%s", text.toLocal8Bit().constData()) >= 0 && std::fflush(file) == 0;
 }
 
 std::optional<QByteArray> console::readSome(int descriptor)

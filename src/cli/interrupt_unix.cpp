@@ -4,6 +4,7 @@
 
 #include <QSocketNotifier>
 
+#include <csignal>
 #include <poll.h>
 
 namespace {
@@ -16,6 +17,13 @@ void interrupt::watch()
 {
     if (signalled < 0)
         signalled = k7::catchStopSignals();
+    std::signal(SIGPIPE, SIG_IGN); // a failed write tells it
+}
+
+void interrupt::request()
+{
+    if (signalled >= 0)
+        std::raise(SIGTERM);
 }
 
 bool interrupt::isPending()

@@ -37,6 +37,12 @@ void interrupt::watch()
     ::SetConsoleCtrlHandler(onControlEvent, TRUE);
 }
 
+void interrupt::request()
+{
+    if (interrupted)
+        ::SetEvent(interrupted);
+}
+
 bool interrupt::isPending()
 {
     return interrupted && ::WaitForSingleObject(interrupted, 0) == WAIT_OBJECT_0;

@@ -37,5 +37,6 @@ int main(int argc, char *argv[])
     const auto application = makeApplication(argc, argv, cli.drawsText());
     useUtf8WithoutLocale();
     interrupt::watch();
-    return cli.runCommand();
+    const int code = cli.runCommand();
+    return cli.report().isCut() ? ExitCode::interrupted : code;
 }

@@ -1,8 +1,12 @@
 #include "cli/report.h"
 
 #include "cli/console.h"
+#include "cli/interrupt.h"
 
 #include <QJsonDocument>
+
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -24,8 +28,8 @@ void Report::result(const QJsonObject &json, const QString &text)
 {
     clearBar();
     if (!isJson()) {
-        if (!text.isEmpty())
-            console::print(m_out, text + '\n');
+        if (!text.isEmpty() && !console::print(m_out, text + '\n'))
+            cut();
         return;
     }
     QJsonObject object = json;
@@ -93,10 +97,21 @@ void Report::print(QJsonObject json)
     json.insert("format", 1);
     const QByteArray line = QJsonDocument(json).toJson(QJsonDocument::Compact) + '\n';
     // Files and pipes get UTF-8, whatever the local encoding is.
-    if (console::isTerminal(m_out))
-        return console::print(m_out, QString::fromUtf8(line));
-    std::fputs(line, m_out);
-    std::fflush(m_out);
+    const bool isWritten = console::isTerminal(m_out)
+                               ? console::print(m_out, QString::fromUtf8(line))
+                               : std::fputs(line, m_out) >= 0 && std::fflush(m_out) == 0;
+    if (!isWritten)
+        cut();
+}
+
+void Report::cut()
+{
+    // Who has read enough, such as `head`, is no fault.
+    if (!m_isCut && errno != EPIPE)
+        console::print(m_err, QString("k7: the output cannot be written: %1\n")
+                                  .arg(QString::fromLocal8Bit(std::strerror(errno))));
+    m_isCut = true;
+    interrupt::request();
 }
 
 void Report::drawBar(const QString &what, int percent)

@@ -37,6 +37,9 @@ public:
     bool isJson() const { return m_settings.format == Format::Json; }
     int verbosity() const { return m_settings.verbosity; }
 
+    /// Whether something could not be written to stdout. From then on the program is interrupted.
+    bool isCut() const { return m_isCut; }
+
     /// A result: one line, or as many as `text` has. An empty `text` is for JSON alone. The type
     /// of the object is "result" unless `json` names another.
     void result(const QJsonObject &json, const QString &text);
@@ -52,12 +55,14 @@ public:
 
 private:
     void print(QJsonObject json);
+    void cut();
     void drawBar(const QString &what, int percent);
     void clearBar();
 
     std::FILE *const m_out;
     std::FILE *const m_err;
     Settings m_settings;
+    bool m_isCut = false;
     bool m_drawsBar = false;
     bool m_isBarShown = false;
     QString m_progressOf;

@@ -97,6 +97,16 @@ private slots:
         }
     }
 
+    /// As by `head`.
+    void outputThatNobodyReadsEndsTheProgram()
+    {
+        QProcess shell;
+        shell.start("sh", {"-c", R"(("$0" "$@"; echo $? >&2) | head -n 1)", K7, "--simulate",
+                           "read", "vp", "0", "--watch", "0.1"});
+        QCOMPARE(exitCodeOf(shell), 0);
+        QCOMPARE(shell.readAllStandardError(), QByteArray("k7: interrupted\n130\n"));
+    }
+
     /// One of two modules is silent: the other one is served, and the table tells.
     void devicesAreServedSideBySide()
     {
