@@ -230,7 +230,9 @@ int Cli::runOnEach(QStringList devices)
                       "Leave them out: devices.ini tells the ports of each."};
     if (devices.removeDuplicates() > 0)
         throw Failure{ExitCode::usage, "a device is named twice", "Name each of them once."};
-    return runOnEachDevice(devices, QCoreApplication::arguments().mid(1), m_report);
+    return runOnEachDevice({devices, QCoreApplication::arguments().mid(1),
+                            console::decoded(m_options.log), m_readsInput},
+                           m_report);
 }
 
 void Cli::useProject(const QString &folder)

@@ -73,6 +73,9 @@ public:
     void setDrawsText() { m_drawsText = true; }
     bool drawsText() const { return m_drawsText; }
 
+    /// The command reads the standard input.
+    void setReadsInput() { m_readsInput = true; }
+
 private:
     struct Options
     {
@@ -112,4 +115,5 @@ private:
     std::unique_ptr<Device> m_device;
     std::unique_ptr<Connection> m_connection;
     bool m_drawsText = false;
+    bool m_readsInput = false;
 };

@@ -1,5 +1,6 @@
 #include "cli/each_device.h"
 
+#include "cli/child_process.h"
 #include "cli/console.h"
 #include "cli/interrupt.h"
 #include "cli/report.h"
@@ -16,6 +17,8 @@
 
 namespace {
 
+constexpr qint64 muchInput = 64 * 1024; ///< that is kept for a device that takes less than comes
+
 /// One device and the process that works with it.
 class Child
 {
@@ -24,10 +27,15 @@ public:
         : m_device(device), m_report(report)
     {
         QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
-                         [this] { pass(QProcess::StandardOutput, stdout); });
+                         [this] { pass(QProcess::StandardOutput); });
         QObject::connect(&m_process, &QProcess::readyReadStandardError, &m_process,
-                         [this] { pass(QProcess::StandardError, stderr); });
-        m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
+                         [this] { pass(QProcess::StandardError); });
+        // All of it, when it has ended.
+        QObject::connect(&m_process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished),
+                         &m_process, [this] {
+                             pass(QProcess::StandardOutput);
+                             pass(QProcess::StandardError);
+                         });
         m_process.start(QCoreApplication::applicationFilePath(), arguments);
     }
     ~Child() { m_process.waitForFinished(-1); }
@@ -36,52 +44,98 @@ public:
 
     const QString &device() const { return m_device; }
     bool hasEnded() const { return m_process.state() == QProcess::NotRunning; }
-    void interrupt() { m_process.terminate(); }
+    void interrupt() { m_process.interrupt(); }
+    /// Input that it has not taken yet.
+    qint64 waitingInput() const { return hasEnded() ? 0 : m_process.bytesToWrite(); }
+    void give(const QByteArray &input)
+    {
+        if (!hasEnded())
+            m_process.write(input);
+    }
+    void endInput() { m_process.closeWriteChannel(); }
     int code() const
     {
-        const bool isNormal = m_process.error() == QProcess::UnknownError &&
+        const bool isNormal = m_process.error() != QProcess::FailedToStart &&
                               m_process.exitStatus() == QProcess::NormalExit;
         return isNormal ? m_process.exitCode() : ExitCode::noAnswer;
     }
 
 private:
-    void pass(QProcess::ProcessChannel channel, std::FILE *out)
+    /// Its whole lines, and what is left when it has ended.
+    void pass(QProcess::ProcessChannel channel)
     {
         m_process.setReadChannel(channel);
-        while (m_process.canReadLine()) {
+        while (m_process.canReadLine() || (hasEnded() && m_process.bytesAvailable() > 0)) {
             QByteArray line = m_process.readLine();
-            line.chop(line.endsWith("\r\n") ? 2 : 1); // its end
-            const QJsonDocument json =
-                m_report.isJson() ? QJsonDocument::fromJson(line) : QJsonDocument();
-            if (json.isObject()) {
-                QJsonObject object = json.object();
-                object.insert("device", m_device);
-                m_report.result(object, {});
-            } else {
-                console::print(out, m_device + ": " + QString::fromLocal8Bit(line) + '\n');
+            for (const char end : {'\n', '\r'})
+                if (line.endsWith(end))
+                    line.chop(1);
+            const QString text = QString::fromLocal8Bit(line);
+            if (channel == QProcess::StandardError) {
+                console::print(stderr, m_device + ": " + text + '\n');
+                continue;
             }
+            QJsonObject json = QJsonDocument::fromJson(line).object();
+            if (json.isEmpty())
+                json = {{"type", "note"}, {"text", text}};
+            json.insert("device", m_device);
+            m_report.result(json, m_device + ": " + text);
         }
     }
 
     const QString m_device;
     Report &m_report;
-    QProcess m_process;
+    ChildProcess m_process;
 };
 
-/// `arguments` with `device` as the device.
-QStringList withDevice(QStringList arguments, const QString &device)
+using Children = std::vector<std::unique_ptr<Child>>;
+
+/// `arguments` with `value` for `option`.
+QStringList withOption(QStringList arguments, const QString &option, const QString &value)
 {
     for (int i = 0; i < arguments.size(); ++i) {
-        if (arguments.at(i).startsWith("--device=")) {
-            arguments[i] = "--device=" + device;
+        if (arguments.at(i).startsWith(option + '=')) {
+            arguments[i] = option + '=' + value;
             return arguments;
         }
-        if (arguments.at(i) == "--device" && i + 1 < arguments.size()) {
-            arguments[i + 1] = device;
+        if (arguments.at(i) == option && i + 1 < arguments.size()) {
+            arguments[i + 1] = value;
             return arguments;
         }
     }
-    return QStringList{"--device", device} + arguments; // the environment named them
+    return QStringList{option, value} + arguments; // the environment named it
+}
+
+Children startAll(const SharedWork &work, Report &report)
+{
+    Children children;
+    for (const QString &device : work.devices) {
+        QStringList arguments = withOption(work.arguments, "--device", device);
+        if (!work.logFile.isEmpty())
+            arguments = withOption(arguments, "--log", work.logFile + '.' + device);
+        children.push_back(std::make_unique<Child>(device, arguments, report));
+        if (!work.readsInput)
+            children.back()->endInput();
+    }
+    return children;
+}
+
+/// Hands on what there is of the standard input. False at its end.
+bool passInput(const Children &children)
+{
+    const bool isWanted = std::all_of(children.begin(), children.end(), [](const auto &child) {
+        return child->waitingInput() < muchInput;
+    });
+    if (!isWanted || !interrupt::hasInput(0))
+        return true;
+    const QByteArray input = console::readSome(0).value_or(QByteArray());
+    for (const auto &child : children) {
+        if (input.isEmpty())
+            child->endInput();
+        else
+            child->give(input);
+    }
+    return !input.isEmpty();
 }
 
 const char *meaning(int code)
@@ -110,14 +164,10 @@ const char *meaning(int code)
 
 } // namespace
 
-int runOnEachDevice(const QStringList &devices, const QStringList &arguments, Report &report)
+int runOnEachDevice(const SharedWork &work, Report &report)
 {
-    std::vector<std::unique_ptr<Child>> children;
-    int width = 0;
-    for (const QString &device : devices) {
-        children.push_back(std::make_unique<Child>(device, withDevice(arguments, device), report));
-        width = qMax(width, device.size());
-    }
+    const Children children = startAll(work, report);
+    bool readsInput = work.readsInput;
     bool isInterrupted = false;
     QEventLoop loop;
     QTimer look;
@@ -127,6 +177,7 @@ int runOnEachDevice(const QStringList &devices, const QStringList &arguments, Re
             for (const auto &child : children)
                 child->interrupt();
         }
+        readsInput = readsInput && passInput(children);
         if (std::all_of(children.begin(), children.end(),
                         [](const auto &child) { return child->hasEnded(); }))
             loop.quit();
@@ -134,6 +185,9 @@ int runOnEachDevice(const QStringList &devices, const QStringList &arguments, Re
     look.start(20);
     loop.exec();
 
+    int width = 0;
+    for (const auto &child : children)
+        width = qMax(width, child->device().size());
     int worst = ExitCode::done;
     for (const auto &child : children) {
         worst = qMax(worst, child->code());

@@ -17,5 +17,7 @@ void request();
 /// Waits until `descriptor` can be read, or has ended; not at all without one, which is below 0.
 /// False when it is interrupted before.
 bool waitForInput(int descriptor);
+/// Whether `descriptor` can be read at once, or has ended.
+bool hasInput(int descriptor);
 
 } // namespace interrupt

@@ -51,3 +51,9 @@ bool interrupt::waitForInput(int descriptor)
     }
     return !isPending();
 }
+
+bool interrupt::hasInput(int descriptor)
+{
+    pollfd input{descriptor, POLLIN, 0};
+    return poll(&input, 1, 0) > 0;
+}

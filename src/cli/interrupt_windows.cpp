@@ -18,15 +18,6 @@ BOOL WINAPI onControlEvent(DWORD event)
     return TRUE;
 }
 
-/// Whether a read would not wait. A file never does; whoever reads from a terminal is woken by
-/// Ctrl-C itself.
-bool isReadable(HANDLE input)
-{
-    DWORD waiting = 0;
-    return ::GetFileType(input) != FILE_TYPE_PIPE ||
-           !::PeekNamedPipe(input, nullptr, 0, nullptr, &waiting, nullptr) || waiting > 0;
-}
-
 } // namespace
 
 void interrupt::watch()
@@ -63,9 +54,16 @@ bool interrupt::waitForInput(int descriptor)
 {
     // A pipe cannot be waited for together with anything else.
     constexpr DWORD pause = 20; // in milliseconds
-    const auto input =
-        descriptor < 0 ? nullptr : reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
-    while (input && !isPending() && !isReadable(input))
+    while (descriptor >= 0 && !isPending() && !hasInput(descriptor))
         ::WaitForSingleObject(interrupted, pause);
     return !isPending();
+}
+
+bool interrupt::hasInput(int descriptor)
+{
+    // A file never waits; whoever reads from a terminal is woken by Ctrl-C itself.
+    const auto input = reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor));
+    DWORD waiting = 0;
+    return ::GetFileType(input) != FILE_TYPE_PIPE ||
+           !::PeekNamedPipe(input, nullptr, 0, nullptr, &waiting, nullptr) || waiting > 0;
 }

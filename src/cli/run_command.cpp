@@ -105,6 +105,8 @@ void addRun(CLI::App &app, Cli &cli)
     command->add_option("FILE", *path)->required()->type_name("");
     command->callback([&cli, path] {
         cli.setDrawsText(); // a line may make a font
+        if (*path == "-")
+            cli.setReadsInput();
         cli.setCommand([&cli, path] { return runAll(cli, arguments::text(*path)); });
     });
 }

@@ -123,6 +123,22 @@ private slots:
         QCOMPARE(both.lines, QStringList({"a    0  done", "b    5  no answer"}));
         QVERIFY2(both.errors.startsWith("b: k7: no acknowledgement"), qPrintable(both.errors));
         QCOMPARE(m_module.module().picturePage(), 3);
+        // Each reads the whole input, and ends with the program, also when that is killed.
+        const QString log = m_folder.filePath("log");
+        QCOMPARE(run({"--device", "a,b", "--log", log, "run", "-"}, "page\n").lines,
+                 QStringList({"a: 3", "a    0  done", "b    5  no answer"}));
+        QVERIFY(QFile::exists(log + ".a"));
+        QString child;
+        run({"--device", "a,b", "read", "vp", "0", "--watch", "100"}, {}, [&](QProcess &program) {
+            QFile children(QString("/proc/%1/task/%1/children").arg(program.processId()));
+            QVERIFY(children.open(QIODevice::ReadOnly));
+            child = QString(children.readAll()).section(' ', 0, 0);
+            program.kill();
+        });
+        QVERIFY(!child.isEmpty());
+        const auto hasEnded = [&] { return !QFile::exists("/proc/" + child + "/exe"); };
+        runEventLoopUntil(hasEnded);
+        QVERIFY(hasEnded());
         m_variables.insert("K7_DEVICE", "a");
         QCOMPARE(run({"page"}).lines, QStringList{"3"});
     }
