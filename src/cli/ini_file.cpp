@@ -10,6 +10,26 @@
 
 #include <sstream>
 
+namespace {
+
+/// The keys of one section, and their texts.
+IniSection keysOf(const QByteArray &lines)
+{
+    std::istringstream text(lines.toStdString());
+    CLI::ConfigINI format;
+    format.arrayDelimiter(' '); // commas belong to the texts
+    IniSection keys;
+    for (const CLI::ConfigItem &item : format.from_config(text)) {
+        QStringList words;
+        for (const std::string &word : item.inputs)
+            words.append(QString::fromStdString(word));
+        keys.insert(QString::fromStdString(item.fullname()), words.join(' '));
+    }
+    return keys;
+}
+
+} // namespace
+
 IniSections readIniFile(const QString &path)
 {
     if (!QFile::exists(path))
@@ -17,19 +37,19 @@ IniSections readIniFile(const QString &path)
     const auto content = readFile(path);
     if (!content)
         throw Failure{ExitCode::badFile, path + " cannot be read", "Make it readable."};
-    std::istringstream text(content->toStdString());
-    CLI::ConfigINI format;
-    format.arrayDelimiter(' '); // commas belong to the texts
-    IniSections sections;
-    for (const CLI::ConfigItem &item : format.from_config(text)) {
-        if (item.name == "++" || item.name == "--") // where a section begins and ends
-            continue;
-        QStringList words;
-        for (const std::string &word : item.inputs)
-            words.append(QString::fromStdString(word));
-        const QString section =
-            item.parents.empty() ? QString() : QString::fromStdString(item.parents.front());
-        sections[section].insert(QString::fromStdString(item.name), words.join(' '));
+    // The format has names of sections that mean more than they say, such as "a.b" and "default".
+    QMap<QString, QByteArray> linesOf;
+    QString section;
+    for (const QByteArray &line : content->split('\n')) {
+        const QByteArray words = line.trimmed();
+        const bool isName = words.startsWith('[') && words.endsWith(']');
+        if (isName)
+            section = QString::fromUtf8(words.mid(1, words.size() - 2));
+        linesOf[section] += (isName ? QByteArray() : line) + '\n';
     }
+    linesOf.remove({}); // above all sections
+    IniSections sections;
+    for (auto lines = linesOf.begin(); lines != linesOf.end(); ++lines)
+        sections.insert(lines.key(), keysOf(lines.value()));
     return sections;
 }

@@ -318,9 +318,11 @@ private slots:
         write("project/20261122003045_backup.bin", randomBytes(4096));
         write("project/bad/k7.ini", "[project]\nrate=5\n");
         write("project/strict/k7.ini", "[project]\nid=0000000000000002\n");
-        write("config/k7/devices.ini", "[other]\nid=0000000000000001\n[far]\nuart2=/dev/far\n"
-                                       "[half]\nuart2=" +
-                                           m_module->uartPath().toUtf8() + '\n');
+        write("config/k7/devices.ini",
+              "[other]\nid=0000000000000001\n[far]\nuart2=/dev/far\n"
+              "[far.spare]\nuart2=/dev/spare\n[default]\nuart2=/dev/default\n"
+              "[half]\nuart2=" +
+                  m_module->uartPath().toUtf8() + '\n');
         struct Row
         {
             QStringList arguments;
@@ -349,6 +351,8 @@ private slots:
             {{"send", "7_ui.ICO", "8_x.bin"}, 3, "both need flash block 8"},
             {{"--uart2", "/dev/none", "info"}, 4, "there is no port /dev/none"},
             {{"--device", "far", "info"}, 4, "there is no port /dev/far"},
+            {{"--device", "far.spare", "info"}, 4, "there is no port /dev/spare"},
+            {{"--device", "default", "info"}, 4, "there is no port /dev/default"},
             {{"--device", "half", "send", "8_x.bin"}, 4, "no port is named for ED2"},
             {{"--device", "other", "page", "7"}, 4, "0123456789abcdef"},
             {{"--uart2", m_module->uartPath() + "@9600", "info"}, 5, "9600 bit/s"},
