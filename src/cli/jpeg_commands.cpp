@@ -30,6 +30,9 @@ int send(Cli &cli, const QString &path, const JpgDownload::Display &display, con
                                                       ? jpeg.refusal->in(true).section('\n', 0, 0)
                                                       : QString("the file is empty")),
                       "Save it anew as JPEG of at most 64 KiB."};
+    if (!content->startsWith("\xFF\xD8\xFF"))
+        throw Failure{ExitCode::badFile, QString("%1: this is no JPEG file").arg(path),
+                      "Save the picture as JPEG; another name is not enough."};
     Exchanges &module = cli.connection(Cli::Access::Writes);
     module.run(Link::Uart2, QFileInfo(path).fileName(),
                [&] { module.downloads().jpg.start(jpeg.bytes, [display] { return display; }); });

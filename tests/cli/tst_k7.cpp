@@ -348,6 +348,8 @@ private slots:
             {{"check", "20261122003045_backup.bin"}, 2, "the number 20261122003045"},
             {{"sync", "nowhere"}, 3, "nowhere"},
             {{"send", "8_no.png"}, 3, "not picture"},
+            {{"store", "8_no.png", "--id", "5"}, 3, "no JPEG"},
+            {{"show", "1_a.bmp", "--at", "0,0"}, 3, "no JPEG"},
             {{"send", "7_ui.ICO", "8_x.bin"}, 3, "both need flash block 8"},
             {{"--uart2", "/dev/none", "info"}, 4, "there is no port /dev/none"},
             {{"--device", "far", "info"}, 4, "there is no port /dev/far"},
