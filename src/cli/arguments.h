@@ -31,6 +31,24 @@ inline CLI::Validator number(int least, int most)
     return validator;
 }
 
+/// Seconds from `least` to `most`; "nan" is none of them.
+inline CLI::Validator seconds(double least, double most)
+{
+    return CLI::Validator(
+        [least, most](std::string &text) -> std::string {
+            bool isNumber = false;
+            const double value = QString::fromStdString(text).toDouble(&isNumber);
+            if (isNumber && value >= least && value <= most)
+                return {};
+            return QString("\"%1\" is no number from %2 to %3")
+                .arg(QString::fromStdString(text))
+                .arg(least)
+                .arg(most, 0, 'f', 0)
+                .toStdString();
+        },
+        "");
+}
+
 inline QString text(const std::string &argument)
 {
     return console::decoded(argument);

@@ -27,6 +27,8 @@ constexpr char exitCodes[] =
     "module; 5 the module did not answer or went away; 6 sent, and the check still differs;\n"
     "130 interrupted.";
 
+constexpr double year = 365 * 86400.0; // in seconds
+
 constexpr char deviceGroup[] = "Device";
 constexpr char outputGroup[] = "Output";
 
@@ -180,7 +182,7 @@ void Cli::addOptions(CLI::App &app)
     app.add_option("--wait", options.wait,
                    "Wait so long for a port that is absent or in use, or a silent module")
         ->type_name("SECONDS")
-        ->check(CLI::NonNegativeNumber)
+        ->check(arguments::seconds(0, year))
         ->group(deviceGroup);
     options.timeout = Exchanges::Patience().answer;
     app.add_option("--timeout", options.timeout,

@@ -23,7 +23,8 @@ Samples samplesOf(const std::vector<std::vector<int>> &given)
                           "Channels are 0 to 7."};
         QVector<quint16> &words = samples[static_cast<size_t>(channel)];
         if (!words.isEmpty())
-            throw Failure{ExitCode::usage, QString("channel %1 comes twice").arg(channel), {}};
+            throw Failure{ExitCode::usage, QString("channel %1 comes twice").arg(channel),
+                          "Give all samples of a channel behind one -c."};
         for (size_t i = 1; i < each.size(); ++i)
             words.append(static_cast<quint16>(each.at(i)));
         if (words.isEmpty() || (count >= 0 && words.size() != count))

@@ -124,7 +124,7 @@ void addKind(CLI::App &read, Cli &cli, bool isRegister)
     isDecimal->excludes(isText);
     command->add_option("--watch", asked->watchSeconds, "Again and again, until Ctrl-C")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.1, 86400.0));
+        ->check(arguments::seconds(0.1, 86400));
     command->callback([&cli, asked] {
         cli.setCommand([&cli, asked] {
             const int size =
