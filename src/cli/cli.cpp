@@ -96,7 +96,7 @@ DeviceValues allValues(const DeviceValues &typed, const DeviceValues &project)
 struct Cli::Connection
 {
     Connection(Cli &cli, const Device &device)
-        : links(device, cli.linksSetup()), exchanges(links, cli.patience(), cli.m_report)
+        : links(device, cli.reach()), exchanges(links, cli.patience(), cli.m_report)
     {
     }
 
@@ -184,7 +184,7 @@ void Cli::addOptions(CLI::App &app)
         ->type_name("SECONDS")
         ->check(arguments::seconds(0, year))
         ->group(deviceGroup);
-    options.timeout = Exchanges::Patience().answer;
+    options.timeout = Patience().answer;
     app.add_option("--timeout", options.timeout,
                    "Wait so long for an answer, beyond what the line takes (default 250)")
         ->type_name("MS")
@@ -273,14 +273,14 @@ std::optional<QSize> Cli::screen(const QString &given)
     return given.isEmpty() ? device().screen : screenSize(given);
 }
 
-DeviceLinks::Setup Cli::linksSetup() const
+Reach Cli::reach() const
 {
     return {m_links, m_options.simulate, m_options.wiring, console::decoded(m_options.log)};
 }
 
-Exchanges::Patience Cli::patience() const
+Patience Cli::patience() const
 {
-    Exchanges::Patience patience;
+    Patience patience;
     patience.answer = m_options.timeout;
     patience.seconds = m_options.wait;
     return patience;

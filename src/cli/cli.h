@@ -1,9 +1,8 @@
 #pragma once
 
-#include "cli/exchanges.h"
+#include "cli/device.h"
+#include "cli/reach.h"
 #include "cli/report.h"
-#include "engine/links.h"
-#include "simulator/adapter.h"
 
 #include <cstdio>
 #include <functional>
@@ -16,6 +15,7 @@ namespace CLI {
 class App;
 class ParseError;
 } // namespace CLI
+class Exchanges;
 
 /// What the program finds outside itself.
 struct Surroundings
@@ -59,8 +59,8 @@ public:
     Exchanges &connection(Access access = Access::Reads);
 
     /// How the module is reached and waited for, as the options tell.
-    DeviceLinks::Setup linksSetup() const;
-    Exchanges::Patience patience() const;
+    Reach reach() const;
+    Patience patience() const;
 
     /// What to run once the command line has been read; the result is the exit code. Called in the
     /// callback of a subcommand.

@@ -65,13 +65,13 @@ DeviceLinks::Watched::Watched(Links links)
 {
 }
 
-DeviceLinks::DeviceLinks(const Device &device, const Setup &setup)
+DeviceLinks::DeviceLinks(const Device &device, const Reach &reach)
     : m_device(device)
-    , m_simulation(setup.isSimulated ? std::make_unique<Simulation>(device, setup.wiring) : nullptr)
-    , m_watched(m_simulation ? m_simulation->links() : setup.links())
+    , m_simulation(reach.isSimulated ? std::make_unique<Simulation>(device, reach.wiring) : nullptr)
+    , m_watched(m_simulation ? m_simulation->links() : reach.links())
 {
-    if (!setup.logFile.isEmpty())
-        openLog(setup.logFile);
+    if (!reach.logFile.isEmpty())
+        openLog(reach.logFile);
 }
 
 DeviceLinks::~DeviceLinks() = default;

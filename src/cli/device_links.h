@@ -2,14 +2,12 @@
 
 #include "cli/device.h"
 #include "cli/failure.h"
+#include "cli/reach.h"
 #include "cli/watched_link.h"
-#include "engine/links.h"
 #include "serial/serial_settings.h"
-#include "simulator/adapter.h"
 
 #include <QFile>
 
-#include <functional>
 #include <memory>
 
 /// The two links to a module.
@@ -24,16 +22,8 @@ class DeviceLinks : public QObject
     Q_OBJECT
 
 public:
-    struct Setup
-    {
-        std::function<Links()> links; ///< to the module, where it is not simulated
-        bool isSimulated = false;
-        k7::Wiring wiring{}; ///< of the simulated module
-        QString logFile;     ///< of all that goes over the links; empty: none
-    };
-
     /// Throws a Failure where the log cannot be written.
-    DeviceLinks(const Device &device, const Setup &setup);
+    DeviceLinks(const Device &device, const Reach &reach);
     ~DeviceLinks() override;
 
     const Device &device() const { return m_device; }

@@ -18,13 +18,6 @@ class Exchanges : public QObject
     Q_OBJECT
 
 public:
-    struct Patience
-    {
-        int answer = StepPolicy().patience; ///< in milliseconds, beyond what the line takes
-        int repeats = StepPolicy().repeats; ///< of what is not answered
-        double seconds = 0; ///< for a port that is absent or in use, or a module that is silent
-    };
-
     Exchanges(DeviceLinks &links, const Patience &patience, Report &report);
 
     DeviceLinks &links() { return m_links; }

@@ -72,9 +72,9 @@ void tell(Report &report, const Device &device, const QString &version)
 bool find(Cli &cli, Device device)
 {
     // What answers at all answers at once, and nothing else is worth asking again.
-    Exchanges::Patience patience = cli.patience();
+    Patience patience = cli.patience();
     patience.repeats = 0;
-    DeviceLinks links(device, cli.linksSetup());
+    DeviceLinks links(device, cli.reach());
     Exchanges module(links, patience, cli.report());
     for (const int rate : ratesToTry())
         for (const bool crcEnabled : {false, true}) {
@@ -100,7 +100,7 @@ int findAll(Cli &cli, const Given &given)
         throw Failure{ExitCode::usage, "no port is named",
                       "Name the ports to try, or give --all-ports: other devices may not like what "
                       "they hear."};
-    if (cli.linksSetup().isSimulated)
+    if (cli.reach().isSimulated)
         throw Failure{ExitCode::usage, "a simulated module is not to be found",
                       "Leave out --simulate."};
     bool isFound = false;

@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr char restartKey[] = "restart";
+
 QString textOf(const ProjectFile &file)
 {
     return QString("%1 %2").arg(file.state, QFileInfo(file.path).canonicalFilePath());
@@ -58,6 +60,29 @@ void SentRecord::forget(const ProjectFile &file)
 {
     for (const QString &key : keysOf(file))
         m_files.remove(key);
+    save();
+}
+
+void SentRecord::forgetAll()
+{
+    const bool awaits = awaitsRestart();
+    m_files = {};
+    setAwaitsRestart(awaits);
+}
+
+bool SentRecord::awaitsRestart() const
+{
+    return m_files.contains(restartKey);
+}
+
+void SentRecord::setAwaitsRestart(bool awaits)
+{
+    if (awaits == awaitsRestart())
+        return;
+    if (awaits)
+        m_files.insert(restartKey, "an operating system was sent");
+    else
+        m_files.remove(restartKey);
     save();
 }
 

@@ -19,11 +19,15 @@ public:
     void remember(const ProjectFile &file);
     /// The blocks of `file` are about to be overwritten; kept at once.
     void forget(const ProjectFile &file);
-    /// Somebody else has changed the module.
-    void forgetAll() { m_files = {}; }
+    /// Whether an operating system was sent that the module has not been restarted with; kept at
+    /// once.
+    bool awaitsRestart() const;
+    void setAwaitsRestart(bool awaits);
+    /// Somebody else has changed the blocks.
+    void forgetAll();
     void save() const;
 
 private:
     QString m_path;
-    QJsonObject m_files; ///< by the number of the block
+    QJsonObject m_files; ///< by the number of the block; and what awaits a restart
 };

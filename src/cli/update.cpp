@@ -92,8 +92,9 @@ int Update::run()
 
 SentRecord Update::openRecord()
 {
-    const bool isNeeded = std::any_of(m_jobs.begin(), m_jobs.end(),
-                                      [](const Job &job) { return isFlash(job.file.kind); });
+    const bool isNeeded = std::any_of(m_jobs.begin(), m_jobs.end(), [](const Job &job) {
+        return isFlash(job.file.kind) || job.file.kind == Kind::Os;
+    });
     // A simulated module forgets everything when the program ends.
     return SentRecord(isNeeded && !m_module.links().isSimulated() ? memory::deviceId(m_module)
                                                                   : QString());
@@ -150,6 +151,8 @@ void Update::sendAll()
             // Before, because the exchange may be cut off.
             if (isFlash(job.file.kind))
                 m_record.forget(job.file);
+            if (job.file.kind == Kind::Os)
+                m_record.setAwaitsRestart(true);
             send(job);
             tell(job, "sent", job.reason);
         }
@@ -203,25 +206,37 @@ bool Update::sendsSystem() const
                        [](const Job &job) { return job.isSent() && job.file.kind == Kind::Os; });
 }
 
+bool Update::needsRestart() const
+{
+    return m_record.awaitsRestart() &&
+           std::any_of(m_jobs.begin(), m_jobs.end(),
+                       [](const Job &job) { return job.file.kind == Kind::Os; });
+}
+
+void Update::restart()
+{
+    transfer::restart(m_module);
+    m_record.setAwaitsRestart(false);
+    m_report.detail("the system restarts");
+}
+
 bool Update::verifyAndRestart()
 {
-    bool isRestarted = !sendsSystem();
     bool isEqual = true;
     if (!m_choice.noVerify) {
         try {
             isEqual = verify();
         } catch (const Failure &failure) {
             // A module that took each frame of a system may not be able to check it yet.
-            if (isRestarted || failure.code != ExitCode::noAnswer || m_module.links().wasLost())
+            if (!needsRestart() || failure.code != ExitCode::noAnswer || m_module.links().wasLost())
                 throw;
             m_report.note("the module cannot check its system before it is restarted");
-            transfer::restart(m_module);
-            isRestarted = true;
+            restart();
             isEqual = verify();
         }
     }
-    if (isEqual && !isRestarted)
-        transfer::restart(m_module);
+    if (isEqual && needsRestart())
+        restart();
     return isEqual;
 }
 

@@ -56,6 +56,10 @@ private:
     bool verify();
     bool verifyAndRestart();
     bool sendsSystem() const;
+    /// Whether the module is to start with a system that was sent, now or by a run that was cut
+    /// off.
+    bool needsRestart() const;
+    void restart();
     /// Checks the blocks of each job; leaves those in it that still differ, or none.
     bool verifyBlocks(QVector<Job> &jobs, const QString &what);
     void tell(const Job &job, const QString &status, const QString &reason);
