@@ -47,7 +47,6 @@ private:
     void send();
     void judge();
     void tellAsTheWindow();
-    void settle(bool isAcknowledged);
     int ticksFor(int bits) const;
     void enter(Stage stage);
 

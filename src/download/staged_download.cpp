@@ -77,7 +77,6 @@ bool StagedDownload::sendsCommandAgain(int commandTick)
 
 bool StagedDownload::nextChunk()
 {
-    session().tick = 0;
     if (m_index < m_chunks)
         beginPiece();
     showProgress(m_index, m_chunks);
