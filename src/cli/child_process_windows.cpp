@@ -28,7 +28,9 @@ ChildProcess::ChildProcess()
 
 void ChildProcess::interrupt()
 {
-    ::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, static_cast<DWORD>(processId()));
+    // Without a console there is no Ctrl-C.
+    if (!::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, static_cast<DWORD>(processId())))
+        kill();
 }
 
 void ChildProcess::setupChildProcess() {}

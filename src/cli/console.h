@@ -19,7 +19,7 @@ std::string encoded(const QString &word);
 QString decoded(const std::string &word);
 
 /// Writes `text` at once: all of its characters on a terminal, elsewhere those of the local 8-bit
-/// encoding. False, and errno tells why, where it cannot.
+/// encoding. False where it cannot, now or before.
 bool print(std::FILE *file, const QString &text);
 /// What there is to read, 4 KiB at most, as soon as there is anything; empty at the end, nothing
 /// where it cannot be read.

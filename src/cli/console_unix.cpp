@@ -25,7 +25,9 @@ QString console::decoded(const std::string &word)
 
 bool console::print(std::FILE *file, const QString &text)
 {
-    return std::fprintf(file, "%s", text.toLocal8Bit().constData()) >= 0 && std::fflush(file) == 0;
+    std::fprintf(file, "%s", text.toLocal8Bit().constData());
+    std::fflush(file);
+    return std::ferror(file) == 0;
 }
 
 std::optional<QByteArray> console::readSome(int descriptor)

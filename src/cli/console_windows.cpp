@@ -47,7 +47,9 @@ bool console::print(std::FILE *file, const QString &text)
         return ::WriteConsoleW(handleOf(file), all.data(), static_cast<DWORD>(all.size()), &written,
                                nullptr);
     }
-    return std::fprintf(file, "%s", text.toLocal8Bit().constData()) >= 0 && std::fflush(file) == 0;
+    std::fprintf(file, "%s", text.toLocal8Bit().constData());
+    std::fflush(file);
+    return std::ferror(file) == 0;
 }
 
 std::optional<QByteArray> console::readSome(int descriptor)

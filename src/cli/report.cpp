@@ -6,7 +6,6 @@
 #include <QJsonDocument>
 
 #include <cerrno>
-#include <cstring>
 
 namespace {
 
@@ -97,10 +96,13 @@ void Report::print(QJsonObject json)
     json.insert("format", 1);
     const QByteArray line = QJsonDocument(json).toJson(QJsonDocument::Compact) + '\n';
     // Files and pipes get UTF-8, whatever the local encoding is.
-    const bool isWritten = console::isTerminal(m_out)
-                               ? console::print(m_out, QString::fromUtf8(line))
-                               : std::fputs(line, m_out) >= 0 && std::fflush(m_out) == 0;
-    if (!isWritten)
+    if (console::isTerminal(m_out)) {
+        console::print(m_out, QString::fromUtf8(line));
+    } else {
+        std::fputs(line, m_out);
+        std::fflush(m_out);
+    }
+    if (std::ferror(m_out) != 0)
         cut();
 }
 
@@ -108,8 +110,7 @@ void Report::cut()
 {
     // Who has read enough, such as `head`, is no fault.
     if (!m_isCut && errno != EPIPE)
-        console::print(m_err, QString("k7: the output cannot be written: %1\n")
-                                  .arg(QString::fromLocal8Bit(std::strerror(errno))));
+        console::print(m_err, "k7: the output cannot be written\n");
     m_isCut = true;
     interrupt::request();
 }
