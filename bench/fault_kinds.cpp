@@ -123,7 +123,8 @@ Task bmp(Source &source)
 
 Task jpeg(Source &source)
 {
-    const QByteArray content = source.bytes(2 + 2 * source.random.upTo(2000)); // whole words
+    // Whole words, behind what JPEG files begin with.
+    const QByteArray content = "\xFF\xD8\xFF" + source.bytes(1 + 2 * source.random.upTo(2000));
     const QString path = source.write("j.jpg", content);
     const bool isStored = source.isLarge || source.random.happens(500);
     const int first = source.random.upTo(0xFFFF);

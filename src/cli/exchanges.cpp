@@ -9,6 +9,8 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <limits>
+
 namespace {
 
 void throwIfInterrupted()
@@ -190,11 +192,14 @@ void Exchanges::pause(qint64 milliseconds)
 {
     const qint64 end = m_links.now() + milliseconds;
     QEventLoop loop;
+    QTimer look;
+    look.setTimerType(Qt::PreciseTimer);
+    connect(&look, &QTimer::timeout, &loop, &QEventLoop::quit);
     interrupt::whenPending(&loop, [&loop] { loop.quit(); });
     while (m_links.now() < end && !interrupt::isPending()) {
         // A time that passes with the turns of the event loop takes as many.
         const qint64 rest = m_links.time().turn == 0 ? 0 : end - m_links.now();
-        QTimer::singleShot(static_cast<int>(rest), Qt::PreciseTimer, &loop, &QEventLoop::quit);
+        look.start(static_cast<int>(qMin<qint64>(rest, std::numeric_limits<int>::max())));
         loop.exec();
     }
     throwIfInterrupted();
