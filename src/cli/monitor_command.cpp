@@ -62,7 +62,7 @@ public:
     {
         QJsonObject json = gap::json(link, milliseconds);
         json.insert("time", iso(m_start.elapsed()));
-        write(json, gap::text(link, milliseconds));
+        write(isJson() ? compact(json) : gap::text(link, milliseconds));
     }
 
     /// Throws a Failure when a line could not be written.
@@ -73,23 +73,32 @@ public:
     }
 
 private:
-    /// `time` in milliseconds since the start.
+    bool isJson() const { return m_given.format == "json" || m_report.isJson(); }
+
+    /// All of one moment at once; `time` in milliseconds since the start.
     void tell(const QString &link, const QVector<DecodedFrame> &frames, qint64 time)
     {
+        if (frames.isEmpty())
+            return;
+        const QString moment = iso(time);
+        QStringList lines;
         for (const DecodedFrame &frame : frames) {
             const qint64 delta = time - m_lastFrame;
             m_lastFrame = time;
-            write(json(link, frame, time, delta), text(link, frame, time, delta));
+            lines.append(isJson() ? compact(json(link, frame, moment, time, delta))
+                                  : text(link, frame, moment, time, delta));
         }
+        write(lines.join('\n'));
     }
 
+    /// As people call it; what takes most of the time that a line takes.
     QString iso(qint64 time) const { return m_started.addMSecs(time).toString(Qt::ISODateWithMs); }
 
-    QJsonObject json(const QString &link, const DecodedFrame &frame, qint64 time,
-                     qint64 delta) const
+    QJsonObject json(const QString &link, const DecodedFrame &frame, const QString &moment,
+                     qint64 time, qint64 delta) const
     {
         return {{"type", "frame"},
-                {"time", iso(time)},
+                {"time", moment},
                 {"start", static_cast<double>(time) / 1000},
                 {"delta", static_cast<double>(delta) / 1000},
                 {"link", link},
@@ -98,34 +107,35 @@ private:
                 {"meaning", frame.meaning}};
     }
 
-    QString text(const QString &link, const DecodedFrame &frame, qint64 time, qint64 delta) const
+    static QString compact(QJsonObject json)
+    {
+        json.insert("format", 1);
+        return QString::fromUtf8(QJsonDocument(json).toJson(QJsonDocument::Compact));
+    }
+
+    QString text(const QString &link, const DecodedFrame &frame, const QString &moment, qint64 time,
+                 qint64 delta) const
     {
         const auto seconds = [](qint64 milliseconds) {
-            return QString::number(static_cast<double>(milliseconds) / 1000, 'f', 3);
+            return QString("%1.%2")
+                .arg(milliseconds / 1000)
+                .arg(milliseconds % 1000, 3, 10, QChar('0'));
         };
         QString line;
         if (m_given.time == "iso")
-            line = iso(time) + ' ';
+            line = moment + ' ';
         else if (m_given.time == "start")
             line = seconds(time).rightJustified(9) + ' ';
         line += ('+' + seconds(delta)).leftJustified(8) + ' ' + link + " < " +
-                QString::fromLatin1(frame.bytes.toHex(' ').toUpper());
+                QString::fromLatin1(frame.bytes.toHex(' ')).toUpper();
         return m_given.format == "text" ? line + "  " + frame.meaning : line;
     }
 
-    void write(QJsonObject json, const QString &text)
+    void write(const QString &lines)
     {
-        const bool isJson = m_given.format == "json" || m_report.isJson();
-        if (!m_file.isOpen() && !isJson) {
-            m_report.result(json, text);
-            return;
-        }
-        json.insert("format", 1);
-        const QByteArray line =
-            isJson ? QJsonDocument(json).toJson(QJsonDocument::Compact) : text.toUtf8();
         if (!m_file.isOpen())
-            m_report.result(json, QString::fromUtf8(line));
-        else if (m_file.write(line + '\n') < 0 || !m_file.flush())
+            m_report.lines(lines);
+        else if (m_file.write(lines.toUtf8() + '\n') < 0 || !m_file.flush())
             m_isFull = true; // an exception must not pass through Qt
     }
 

@@ -25,16 +25,23 @@ void Report::configure(const Settings &settings)
 
 void Report::result(const QJsonObject &json, const QString &text)
 {
-    clearBar();
     if (!isJson()) {
-        if (!text.isEmpty() && !console::print(m_out, text + '\n'))
-            cut();
+        if (!text.isEmpty())
+            lines(text);
         return;
     }
+    clearBar();
     QJsonObject object = json;
     if (!object.contains("type"))
         object.insert("type", "result");
     print(object);
+}
+
+void Report::lines(const QString &lines)
+{
+    clearBar();
+    if (!console::print(m_out, lines + '\n'))
+        cut();
 }
 
 void Report::note(const QString &text)

@@ -43,6 +43,8 @@ public:
     /// A result: one line, or as many as `text` has. An empty `text` is for JSON alone. The type
     /// of the object is "result" unless `json` names another.
     void result(const QJsonObject &json, const QString &text);
+    /// Results that are lines of text, or of JSON, already.
+    void lines(const QString &lines);
     /// On stderr, and not with -q.
     void note(const QString &text);
     /// The same, but only with -v.
