@@ -81,6 +81,8 @@ private:
     Links links()
     {
         Links links = k7::directLinks(*m_module);
+        if (m_otherModule)
+            links.ed2 = k7::directLinks(*m_otherModule).ed2;
         links.time = k7::timeOf(*m_time);
         return links;
     }
@@ -110,12 +112,14 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<k7::SharedTime> m_time;
     std::unique_ptr<k7::Simulator> m_module;
+    std::unique_ptr<k7::Simulator> m_otherModule; ///< to which ED2 leads, if there is one
 
 private slots:
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_module.reset();
+        m_otherModule.reset();
         m_time = std::make_unique<k7::SharedTime>(k7::SharedTime::Pace::OfTheLoop);
         m_module = std::make_unique<k7::Simulator>(k7::ModuleSettings(), m_time.get());
         setBehaviour(-1, false);
@@ -183,6 +187,68 @@ private slots:
         QCOMPARE(sync.of("sent again").size(), 1);
         QVERIFY2(sync.errors.contains("7_ui.ICO (flash blocks 7, 8)"), qPrintable(sync.errors));
         QCOMPARE(run({"--json", "sync", "--no-verify", "--only", "*.ICO"}).code, 0);
+    }
+
+    void firstBlockShowsThatEd2LeadsToAnotherModule()
+    {
+        m_otherModule = std::make_unique<k7::Simulator>(k7::ModuleSettings(), m_time.get());
+        QVERIFY(m_otherModule->start(k7::Way::InProcess));
+        const Run sync = run({"sync"});
+        QCOMPARE(sync.code, 6);
+        QVERIFY2(sync.errors.contains("Do both ports lead"), qPrintable(sync.errors));
+        QVERIFY(m_otherModule->module().flash().read(8 * blockBytes, 16) == QByteArray(16, '\xFF'));
+    }
+
+    void readsEndWithTheirReply()
+    {
+        for (const auto &[arguments, limit] :
+             {std::pair(QStringList{"read", "vp", "0x1000", "2000"}, 500), {{"info"}, 200}}) {
+            const qint64 start = m_time->milliseconds();
+            QCOMPARE(run(arguments).code, 0);
+            QVERIFY2(m_time->milliseconds() - start < limit,
+                     qPrintable(QString::number(m_time->milliseconds() - start)));
+        }
+    }
+
+    void lateAndLostAnswersAreAwaited()
+    {
+        k7::Behaviour behaviour;
+        behaviour.realTime = true;
+        behaviour.latency = 40;
+        behaviour.jitter = 20;
+        behaviour.lost = 20;
+        m_module->setBehaviour(behaviour);
+        const Run sync = run({"-v", "sync"});
+        QVERIFY2(sync.code == 0, qPrintable(sync.errors));
+        QVERIFY(run({"-v", "read", "vp", "0", "20000"}).errors.contains("sent again (1)"));
+    }
+
+    void portsAreFoundByTryingThem()
+    {
+        k7::ModuleSettings settings;
+        settings.format.crcEnabled = true;
+        settings.uartRate = 9600;
+        m_module = std::make_unique<k7::Simulator>(settings, m_time.get());
+        QCOMPARE(run({"find", "SIM-UART2"}).code, 4);
+        QVERIFY(m_module->start(k7::Way::InProcess));
+        const Run found = run({"find", "SIM-UART2"});
+        QVERIFY2(found.code == 0 && found.errors.contains("115200 bit/s, CRC on"),
+                 qPrintable(found.errors));
+        QCOMPARE(found.lines.mid(1), (QStringList{"[SIM-UART2]", "uart2 = SIM-UART2@9600",
+                                                  "header = 5AA5", "crc = true"}));
+        QCOMPARE(run({"--header", "1234", "find", "SIM-UART2"}).code, 5);
+        QCOMPARE(run({"find"}).code, 2);
+    }
+
+    void eachProjectOfARunHasItsOwnDevice()
+    {
+        write("project/strict/k7.ini", "[project]\nsize=8x4\nid=0000000000000002\n");
+        write("project/strict/9_a.bin", randomBytes(4096));
+        write("script", "page 1\nsync strict");
+        const Run all = run({"run", "../script"});
+        QVERIFY2(all.code == 4 && all.errors.contains("0000000000000002"), qPrintable(all.errors));
+        QCOMPARE(module().picturePage(), 1);
+        QVERIFY(module().flash().read(9 * blockBytes, 16) == QByteArray(16, '\xFF'));
     }
 
     void unpluggedModuleGetsTheRestTheSecondTime()
@@ -355,6 +421,7 @@ private slots:
             {{"read", "vp", "0", "--watch", "nan"}, 2, "--watch"},
             {{"send", "7_ui.ICO", "8_x.bin"}, 3, "both need flash block 8"},
             {{"--uart2", "/dev/none", "info"}, 4, "there is no port /dev/none"},
+            {{"--ed2", m_module->uartPath(), "page"}, 4, "that of the other link"},
             {{"--device", "far", "info"}, 4, "there is no port /dev/far"},
             {{"--device", "far.spare", "info"}, 4, "there is no port /dev/spare"},
             {{"--device", "default", "info"}, 4, "there is no port /dev/default"},
@@ -385,6 +452,17 @@ private slots:
         });
         QCOMPARE(run({"page", "--wait", "0.5"}).code, 4);
         QCOMPARE(run({"page", "--wait", "5"}).lines, QStringList{"0"});
+        // So is a module that is switched on late.
+        k7::Behaviour behaviour;
+        behaviour.silent = true;
+        m_module->setBehaviour(behaviour);
+        QCOMPARE(run({"page"}).code, 5);
+        const qint64 on = m_time->milliseconds() + 4000;
+        connect(m_time.get(), &k7::SharedTime::passed, m_module.get(), [this, on] {
+            if (m_time->milliseconds() == on)
+                setBehaviour(-1, false);
+        });
+        QCOMPARE(run({"page", "--wait", "10"}).lines, QStringList{"0"});
     }
 
     /// Every object is one that the documentation describes, member for member.

@@ -422,6 +422,11 @@ private slots:
         QCOMPARE(bench.notices.shown, QStringList{complete});
         QVERIFY(bench.system(5000) == data);
         QCOMPARE(bench.module.restarts(), 0);
+        bench.drops = [](int) { return true; };
+        bench.os->start();
+        QVERIFY(bench.finish());
+        QCOMPARE(bench.notices.shown.last(), failure);
+        QCOMPARE(bench.link.written.last(), QByteArray::fromHex("5AA5048F0000A0"));
     }
 
 private:
