@@ -97,6 +97,32 @@ private slots:
         }
     }
 
+    void filesThatChangeAreSent()
+    {
+        const QString folder = m_folder.filePath("watched");
+        write("watched/k7.ini", "[project]\nsize=8x4\n");
+        write("watched/7_a.bin", QByteArray(4096, 'a'));
+        write("watched/8_b.bin", QByteArray(4096, 'b'));
+        QByteArray said;
+        const Run watched =
+            run({"--simulate", "sync", folder, "--watch"}, {}, [this, &said](QProcess &program) {
+                const auto says = [&](const char *text, int times) {
+                    runEventLoopUntil([&] {
+                        return (said += program.readAllStandardOutput()).count(text) >= times;
+                    });
+                };
+                says("2 sent, 0 unchanged", 1);
+                write("watched/8_b.bin", QByteArray(4096, 'c'));
+                says("1 sent, 0 unchanged", 1);
+                write("watched/9_new.bin", QByteArray(8192, 'd'));
+                says("1 sent, 0 unchanged", 2);
+                ::kill(static_cast<pid_t>(program.processId()), SIGINT);
+            });
+        QCOMPARE(watched.code, 130);
+        QCOMPARE(said.count("7_a.bin"), 2); // sent and verified
+        QVERIFY(said.contains("verified       9_new.bin"));
+    }
+
     /// As by `head`.
     void outputThatNobodyReadsEndsTheProgram()
     {
