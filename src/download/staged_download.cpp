@@ -13,6 +13,7 @@ void StagedDownload::begin(const QByteArray &data, int chunks)
     m_chunks = chunks;
     m_index = 0;
     m_command.clear();
+    m_isCommandMissed = false;
     session().replyReceived = false;
     showProgress(m_index, m_chunks);
     session().start(commandType());

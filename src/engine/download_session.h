@@ -31,6 +31,7 @@ struct DownloadSession
     int commandType = commandType::idle;
     int tick = 0;               ///< ticks since the current step began; 0 while idle
     quint32 passed = 0;         ///< ticks of all exchanges, also those at which a step waited
+    int repeats = 0;            ///< of the piece that was not answered
     bool replyReceived = false; ///< the module acknowledged; cleared by some steps only
     quint16 writeStart = 0;     ///< first VP address of a write-VP exchange
     quint8 writeCount = 0;      ///< words or register bytes of a write exchange
@@ -49,6 +50,7 @@ struct DownloadSession
     void takeOver(int type)
     {
         commandType = type;
+        repeats = 0;
         ++starts;
         onStart();
     }

@@ -70,7 +70,7 @@ Step::Verdict Step::verdict()
         if (m_answeredAt == 0)
             m_answeredAt = now;
         // What was sent twice may be answered twice: that must not count for what comes next.
-        if (m_repeats == 0 || now - m_answeredAt >= static_cast<quint32>(2 * m_patience))
+        if (session().repeats == 0 || now - m_answeredAt >= static_cast<quint32>(2 * m_patience))
             return Verdict::Came;
     } else if (ticksSinceSent() > m_patience) {
         return Verdict::Missing;
@@ -96,10 +96,10 @@ int Step::ticksSinceSent()
 
 bool Step::again(int silence)
 {
-    if (!isStrict() || m_repeats >= m_line.policy.repeats)
+    if (!isStrict() || session().repeats >= m_line.policy.repeats)
         return false;
-    ++m_repeats;
-    emit m_line.reports.repeated(m_commandType, m_repeats);
+    ++session().repeats;
+    emit m_line.reports.repeated(m_commandType, session().repeats);
     session().tick = -silence;
     return true;
 }
@@ -107,7 +107,6 @@ bool Step::again(int silence)
 void Step::end(Outcome outcome)
 {
     session().commandType = commandType::idle;
-    m_repeats = 0;
     rewind();
     m_line.link.close();
     emit m_line.reports.ended(m_commandType, outcome);
@@ -130,7 +129,7 @@ void Step::fail()
 void Step::beginPiece()
 {
     session().tick = 0;
-    m_repeats = 0;
+    session().repeats = 0;
 }
 
 void Step::showProgress(int done, int all)

@@ -81,5 +81,4 @@ private:
     quint32 m_sentAt = 0; ///< when the last byte leaves the machine, as far as is known
     quint32 m_answeredAt = 0;
     int m_patience = 0; ///< ticks from then on
-    int m_repeats = 0;
 };

@@ -1,5 +1,12 @@
 #include "engine/system_reset.h"
 
+void SystemReset::start()
+{
+    if (isStrict())
+        rewind();
+    session().start(commandType());
+}
+
 void SystemReset::step()
 {
     switch (m_stage) {

@@ -6,8 +6,8 @@
 /// words. In the window no reply is awaited and no message is shown; a strict reset needs its
 /// announcement acknowledged.
 ///
-/// An exchange that another one replaces keeps its stage, and the next reset goes on from there.
-/// That is wanted.
+/// In the window an exchange that another one replaces keeps its stage, and the next reset goes on
+/// from there. That is wanted.
 class SystemReset final : public Step
 {
 public:
@@ -20,7 +20,7 @@ public:
 
     explicit SystemReset(const Line &line) : Step(commandType::systemReset, line) {}
 
-    void start() { session().start(commandType()); }
+    void start();
     void step() override;
 
 protected:
