@@ -273,6 +273,11 @@ std::optional<QSize> Cli::screen(const QString &given)
     return given.isEmpty() ? device().screen : screenSize(given);
 }
 
+void Cli::disconnect()
+{
+    m_connection.reset();
+}
+
 Reach Cli::reach() const
 {
     return {m_links, m_options.simulate, m_options.wiring, console::decoded(m_options.log)};
@@ -289,7 +294,7 @@ Patience Cli::patience() const
 Exchanges &Cli::connection(Access access)
 {
     const Device &wanted = device();
-    if (m_connection && !isSameModule(m_connection->links.device(), wanted))
+    if (m_connection && !haveSamePorts(m_connection->links.device(), wanted))
         m_connection.reset();
     if (m_connection) {
         m_connection->exchanges.use(wanted);

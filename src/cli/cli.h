@@ -55,8 +55,10 @@ public:
         Reads,
         Writes, ///< and finds the module that the device names, or throws a Failure
     };
-    /// The connection to the module: the same for all commands with the same links and frames.
+    /// The connection to the module: the same for all commands on the same ports.
     Exchanges &connection(Access access = Access::Reads);
+    /// Lets its ports go.
+    void disconnect();
 
     /// How the module is reached and waited for, as the options tell.
     Reach reach() const;

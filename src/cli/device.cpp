@@ -8,8 +8,6 @@
 #include <QRegularExpression>
 #include <QStringList>
 
-#include <tuple>
-
 namespace {
 
 [[noreturn]] void refuse(const QString &name, const QString &text, const QString &remedy)
@@ -99,13 +97,9 @@ constexpr Value knownValues[] = {
 
 } // namespace
 
-bool isSameModule(const Device &one, const Device &other)
+bool haveSamePorts(const Device &one, const Device &other)
 {
-    const auto links = [](const Device &device) {
-        return std::tie(device.uart2.name, device.uart2.rate, device.ed2.name, device.ed2.rate,
-                        device.header1, device.header2, device.crcEnabled, device.model);
-    };
-    return links(one) == links(other);
+    return one.uart2.name == other.uart2.name && one.ed2.name == other.ed2.name;
 }
 
 DeviceValues overlaid(DeviceValues values, const DeviceValues &stronger)

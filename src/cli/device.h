@@ -28,8 +28,8 @@ struct Device
     QString id; ///< that the module must have, 16 lower-case digits; empty: any
 };
 
-/// Whether both are reached in the same way, and understand the same frames.
-bool isSameModule(const Device &one, const Device &other);
+/// Whether both are reached over the same ports.
+bool haveSamePorts(const Device &one, const Device &other);
 
 /// What one source, such as the command line or a section of devices.ini, says of a device: texts
 /// by the names uart2, ed2, header, crc, model, size, id and device.

@@ -102,9 +102,16 @@ QString DeviceLinks::portName(Link link) const
     if (!given.isEmpty())
         return ports::resolved(given);
     if (link == Link::Uart2)
-        return ports::only();
+        return onlyPort();
     throw Failure{ExitCode::noPort, "no port is named for ED2",
                   "Name it with --ed2 PORT; `k7 ports` lists the ports of the system."};
+}
+
+const QString &DeviceLinks::onlyPort() const
+{
+    if (m_onlyPort.isEmpty())
+        m_onlyPort = ports::only();
+    return m_onlyPort;
 }
 
 qint64 DeviceLinks::sentBytes() const

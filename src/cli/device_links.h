@@ -27,7 +27,7 @@ public:
     ~DeviceLinks() override;
 
     const Device &device() const { return m_device; }
-    /// Another description of the same module: with the same ports, rates and frames.
+    /// Another description of what is at the same ports.
     void use(const Device &device);
     bool isSimulated() const { return m_simulation != nullptr; }
 
@@ -69,11 +69,14 @@ private:
         return link == Link::Uart2 ? m_device.uart2 : m_device.ed2;
     }
     QString portName(Link link) const;
+    /// The port that was the only one when it was first asked for: it may go away and come back.
+    const QString &onlyPort() const;
     void openLog(const QString &path);
     void log(const char *link, char direction, const QByteArray &bytes);
 
     Device m_device;
     const std::unique_ptr<Simulation> m_simulation;
     const Watched m_watched;
+    mutable QString m_onlyPort;
     QFile m_log;
 };

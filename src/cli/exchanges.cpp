@@ -77,6 +77,7 @@ void Exchanges::apply(Link link)
 void Exchanges::run(Link link, const QString &what, const std::function<void()> &start,
                     int patience)
 {
+    awaitListed(link);
     prepare(link);
     m_link = link;
     m_what = what;
@@ -108,14 +109,30 @@ void Exchanges::awaitPort(Link link, const std::function<bool()> &isOpened)
     }
 }
 
+void Exchanges::awaitListed(Link link)
+{
+    const bool isNamed =
+        link == Link::Ed2 || m_links.isSimulated() || !m_links.device().uart2.name.isEmpty();
+    const qint64 start = m_links.now();
+    while (!isNamed && ports::isNoneListed() &&
+           static_cast<double>(m_links.now() - start) < 1000 * m_patience.seconds)
+        pause(100);
+}
+
+void Exchanges::hold(Link link)
+{
+    awaitListed(link);
+    prepare(link);
+    awaitPort(link, [this, link] { return m_links.at(link).isOpen() || m_links.at(link).open(); });
+}
+
 void Exchanges::listen(const QVector<Link> &links, const std::function<void()> &look,
                        const std::function<void(Link link, qint64 gap)> &tellGap)
 {
     QEventLoop loop;
     interrupt::whenPending(&loop, [&loop] { loop.quit(); });
     for (const Link each : links) {
-        prepare(each);
-        awaitPort(each, [this, each] { return m_links.at(each).open(); });
+        hold(each);
         connect(&m_links.at(each), &WatchedLink::received, &loop, &QEventLoop::quit);
         connect(&m_links.at(each), &WatchedLink::lost, &loop, &QEventLoop::quit);
     }
@@ -137,7 +154,7 @@ qint64 Exchanges::awaitReturn(Link link)
     m_report.note(QString("%1: the port %2 went away; waiting for it")
                       .arg(nameOf(link), m_links.at(link).name()));
     const qint64 start = m_links.now();
-    while (!m_links.at(link).open()) {
+    while (!m_links.at(link).isOpen() && !m_links.at(link).open()) {
         pause(betweenLooks);
         prepare(link);
     }

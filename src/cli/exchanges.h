@@ -34,6 +34,8 @@ public:
     /// `what`, unless this is empty.
     void run(Link link, const QString &what, const std::function<void()> &start,
              int patience = usualPatience);
+    /// Opens `link` now, so that it is held from here on.
+    void hold(Link link);
     /// Opens `links` and receives what comes, until Ctrl-C. `look` is called behind all that came,
     /// and may throw a Failure. A port that went away is waited for; when it is back, `tellGap` is
     /// told for how many milliseconds it was not there.
@@ -58,6 +60,8 @@ private:
     /// Has the engine open the port of `link` next, unless it is open.
     void prepare(Link link);
     void apply(Link link);
+    /// Waits for the system to list a port at all, if the user wants that and names none.
+    void awaitListed(Link link);
     /// Calls `isOpened` until it is, for as long as the user wants to wait for a port.
     void awaitPort(Link link, const std::function<bool()> &isOpened);
     void onBeat();

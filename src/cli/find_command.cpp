@@ -76,6 +76,7 @@ bool find(Cli &cli, Device device)
     patience.repeats = 0;
     DeviceLinks links(device, cli.reach());
     Exchanges module(links, patience, cli.report());
+    bool wasTried = false;
     for (const int rate : ratesToTry())
         for (const bool crcEnabled : {false, true}) {
             device.uart2.rate = rate;
@@ -84,9 +85,20 @@ bool find(Cli &cli, Device device)
                                   .arg(device.uart2.name)
                                   .arg(rate)
                                   .arg(crcEnabled ? "on" : "off"));
-            module.use(device);
-            if (!answers(module))
+            try {
+                module.use(device);
+                const bool isFound = answers(module);
+                wasTried = true;
+                if (!isFound)
+                    continue;
+            } catch (const Failure &failure) {
+                // A port that takes no rate is not to be tried; a rate that it refuses is
+                // another's.
+                if (failure.code == ExitCode::interrupted || !wasTried)
+                    throw;
+                cli.report().note("    " + failure.cause);
                 continue;
+            }
             tell(cli.report(), device, deviceValues::versionText(module.engine().mirrors()));
             return true;
         }
@@ -103,6 +115,8 @@ int findAll(Cli &cli, const Given &given)
     if (cli.reach().isSimulated)
         throw Failure{ExitCode::usage, "a simulated module is not to be found",
                       "Leave out --simulate."};
+    // A port of the commands before is to be tried, too.
+    cli.disconnect();
     bool isFound = false;
     for (const QString &port : ports) {
         Device device = cli.device();

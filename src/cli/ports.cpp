@@ -42,6 +42,11 @@ QString resolved(const QString &given)
     return found.value(0, given);
 }
 
+bool isNoneListed()
+{
+    return QSerialPortInfo::availablePorts().isEmpty();
+}
+
 QString only()
 {
     const QStringList names = listed();

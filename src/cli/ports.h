@@ -14,6 +14,8 @@ namespace ports {
 /// number.
 QString resolved(const QString &given);
 
+bool isNoneListed();
+
 /// The only port of the system. Throws a Failure where there is none, or a choice.
 QString only();
 

@@ -16,19 +16,17 @@ int send(Cli &cli, const QString &digits, int milliseconds)
                       "Give bytes such as 5AA5 04 83 00 0F 01."};
     Exchanges &module = cli.connection(Cli::Access::Writes);
     QByteArray reply;
-    QMetaObject::Connection arrival;
+    QObject listener;
+    QObject::connect(&module.links().at(Link::Uart2), &WatchedLink::received, &listener,
+                     [&reply](const QByteArray &received) { reply += received; });
     module.run(
         Link::Uart2, {},
         [&] {
-            // From now on: what came before answers something else.
-            arrival =
-                QObject::connect(&module.links().at(Link::Uart2), &WatchedLink::received, &module,
-                                 [&reply](const QByteArray &received) { reply += received; });
+            reply.clear(); // what came before answers something else
             module.engine().sendFreeForm([bytes] { return *bytes; },
                                          milliseconds + Transaction::sendTick);
         },
         milliseconds + Exchanges::usualPatience);
-    QObject::disconnect(arrival);
     const QString text = QString::fromLatin1(reply.toHex(' ').toUpper());
     cli.report().result({{"type", "reply"}, {"bytes", text}}, text);
     if (reply.isEmpty())

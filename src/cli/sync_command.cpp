@@ -23,15 +23,26 @@ struct Given
 
 using States = QMap<QString, QString>;
 
-/// The time and size of each file in `folder`.
-States statesOf(const QString &folder)
+/// The time and size of each file in `folder`, and of `others`, by its absolute path.
+States statesOf(const QString &folder, const QStringList &others)
 {
+    QFileInfoList files = QDir(folder).entryInfoList(QDir::Files);
+    for (const QString &path : others)
+        files.append(QFileInfo(path));
     States states;
-    for (const QFileInfo &file : QDir(folder).entryInfoList(QDir::Files))
+    for (const QFileInfo &file : qAsConst(files))
         states.insert(
-            file.filePath(),
+            file.absoluteFilePath(),
             QString("%1 %2").arg(file.lastModified().toMSecsSinceEpoch()).arg(file.size()));
     return states;
+}
+
+QStringList pathsOf(const Project &project)
+{
+    QStringList paths;
+    for (const ProjectFile &file : project.files())
+        paths.append(file.path);
+    return paths;
 }
 
 Project projectOf(Cli &cli, const Given &given)
@@ -66,36 +77,33 @@ int sync(Cli &cli, const Given &given)
     return send(cli, project.files(), given);
 }
 
-/// Sends the files that are not as in `sent`; these are the ones of which something is to be told.
-void sendChanged(Cli &cli, const Given &given, const States &sent)
-{
-    QVector<ProjectFile> changed;
-    const Project project = projectOf(cli, given);
-    for (const ProjectFile &file : project.files()) {
-        const QFileInfo info(file.path);
-        if (sent.value(info.filePath()) != statesOf(info.path()).value(info.filePath()))
-            changed.append(file);
-    }
-    if (!changed.isEmpty())
-        send(cli, changed, given);
-}
-
-/// Syncs, and then again whenever files of the folder have changed and are at rest.
+/// Syncs, and then again whenever files have changed and are at rest.
 int watch(Cli &cli, const Given &given)
 {
     constexpr int betweenLooks = 300; // in milliseconds
     const QString folder = arguments::text(given.folder);
-    States sent = statesOf(folder);
+    cli.useProject(folder);
+    QStringList paths = pathsOf(projectOf(cli, given));
+    States sent = statesOf(folder, paths);
     sync(cli, given);
     Exchanges &module = cli.connection();
     States seen = sent;
     while (true) {
         module.pause(betweenLooks);
-        const States now = statesOf(folder);
+        const States now = statesOf(folder, paths);
         if (now == sent || std::exchange(seen, now) != now)
             continue;
         try {
-            sendChanged(cli, given, sent);
+            const Project project = projectOf(cli, given);
+            paths = pathsOf(project);
+            QVector<ProjectFile> changed;
+            for (const ProjectFile &file : project.files()) {
+                const QString path = QFileInfo(file.path).absoluteFilePath();
+                if (sent.value(path) != now.value(path))
+                    changed.append(file);
+            }
+            if (!changed.isEmpty())
+                send(cli, changed, given);
             sent = now;
         } catch (const Failure &failure) {
             if (failure.code == ExitCode::interrupted)

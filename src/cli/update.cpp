@@ -79,6 +79,10 @@ Update::Update(Exchanges &module, Report &report, const QVector<ProjectFile> &fi
 
 int Update::run()
 {
+    const bool usesEd2 = std::any_of(m_jobs.begin(), m_jobs.end(),
+                                     [](const Job &job) { return isOverEd2(job.file.kind); });
+    if (usesEd2 && !m_choice.dryRun)
+        m_module.hold(Link::Ed2);
     m_record = openRecord();
     if (!m_choice.all)
         compareAll();
@@ -220,24 +224,34 @@ void Update::restart()
     m_report.detail("the system restarts");
 }
 
+bool Update::canCheckSystem()
+{
+    try {
+        for (Job job : m_jobs)
+            if (job.file.kind == Kind::Os)
+                transfer::compare(m_module, {&job.file.units.first()}, {});
+        return true;
+    } catch (const Failure &failure) {
+        if (failure.code != ExitCode::noAnswer || m_module.links().wasLost())
+            throw;
+        return false;
+    }
+}
+
 bool Update::verifyAndRestart()
 {
-    bool isEqual = true;
     if (!m_choice.noVerify) {
-        try {
-            isEqual = verify();
-        } catch (const Failure &failure) {
-            // A module that took each frame of a system may not be able to check it yet.
-            if (!needsRestart() || failure.code != ExitCode::noAnswer || m_module.links().wasLost())
-                throw;
+        if (needsRestart() && !canCheckSystem()) {
+            // It took each frame.
             m_report.note("the module cannot check its system before it is restarted");
             restart();
-            isEqual = verify();
         }
+        if (!verify())
+            return false;
     }
-    if (isEqual && needsRestart())
+    if (needsRestart())
         restart();
-    return isEqual;
+    return true;
 }
 
 bool Update::verify()

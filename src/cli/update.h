@@ -55,6 +55,8 @@ private:
     /// Checks what was sent, sends once more what still differs, and checks again.
     bool verify();
     bool verifyAndRestart();
+    /// Whether the module answers to a question for its system, right or wrong.
+    bool canCheckSystem();
     bool sendsSystem() const;
     /// Whether the module is to start with a system that was sent, now or by a run that was cut
     /// off.

@@ -33,6 +33,7 @@ void BmpDownload::step()
 {
     const int tick = session().tick;
     const int checkTick = ticksFor(m_frames.shareOf(m_kind.sendBits)) + 2;
+    const int moveTicks = ticksFor(m_kind.chunkBits) - ticksFor(m_kind.sendBits);
     if (tick == 1) {
         if (!ensureOpen() || sendsCommandAgain(checkTick))
             return;
@@ -41,7 +42,7 @@ void BmpDownload::step()
     // Not alternatives: at high rates both come on the same tick, and the chunk still completes.
     if (tick == checkTick && !isChunkDone())
         return;
-    if (tick == tickBehind(checkTick, ticksFor(m_kind.chunkBits) + 2) && isCommandDone()) {
+    if (tick == tickBehind(checkTick, checkTick + moveTicks) && isCommandDone()) {
         ++m_index;
         if (!nextChunk())
             complete();

@@ -30,6 +30,9 @@ void OsDownload::load(const QByteArray &file)
 void OsDownload::start()
 {
     m_frames.load(m_loaded, isStrict());
+    m_allBytes = 0;
+    for (const QByteArray &frame : qAsConst(m_loaded))
+        m_allBytes += frame.size();
     // In the window a stage that an earlier exchange left stays, and so does the tick.
     if (isStrict())
         rewind();
@@ -38,9 +41,7 @@ void OsDownload::start()
 
 void OsDownload::step()
 {
-    // 13 bits a byte leave room for pauses; 468 bytes are the module's time to take them in.
-    constexpr int bitsPerByte = 13;
-    const int settling = m_frames.isAtEnd() ? 468 : 0;
+    constexpr int bitsPerByte = 13; // with room for pauses
     switch (m_stage) {
     case Stage::Announce:
         announce();
@@ -50,7 +51,7 @@ void OsDownload::step()
             send();
         break;
     case Stage::Verdict:
-        if (session().tick > ticksFor((m_bytes + settling) * bitsPerByte) + 1)
+        if (session().tick > ticksFor(bytesAwaited() * bitsPerByte) + 1)
             judge();
         break;
     }
@@ -129,6 +130,15 @@ void OsDownload::tellAsTheWindow()
         return;
     session().replyReceived = false;
     session().start(commandType::systemReset);
+}
+
+int OsDownload::bytesAwaited() const
+{
+    constexpr int settling = 468; // the module's time to take them in
+    // In the window those that were loaded last count, also when others were sent. That is wanted.
+    if (!isStrict())
+        return m_allBytes + settling;
+    return m_bytes + (m_frames.isAtEnd() ? settling : 0);
 }
 
 int OsDownload::ticksFor(int bits) const

@@ -48,10 +48,13 @@ private:
     void judge();
     void tellAsTheWindow();
     int ticksFor(int bits) const;
+    /// The bytes for which the line and the module need their time now.
+    int bytesAwaited() const;
     void enter(Stage stage);
 
     QVector<QByteArray> m_loaded;
     FrameTrain m_frames; ///< of the running exchange
+    int m_allBytes = 0;  ///< of these
     int m_bytes = 0;     ///< that were sent last
     Stage m_stage = Stage::Announce;
     bool m_isAnnounced = false;
