@@ -396,6 +396,22 @@ private slots:
         }
     }
 
+    void systemThatIsSentAgainIsJudgedByWhatWasLoadedLast()
+    {
+        Bench bench;
+        bench.os->load(QByteArray(4096 + 5000, 0));
+        bench.os->start();
+        bench.tick(20);
+        QCOMPARE(bench.link.written.size(), 2);
+        bench.os->load(QByteArray(4096 + 100, 0));
+        bench.os->start();
+        // (106 + 468) * 13 bits take 64 ticks, of which 3 had passed; more than one behind that.
+        bench.tick(64 - 3 + 1);
+        QCOMPARE(bench.notices.shown, QStringList());
+        bench.tick(1);
+        QCOMPARE(bench.notices.shown, QStringList{complete});
+    }
+
     void strictDownloadsSendAgainWhatIsNotAnswered()
     {
         for (const int rate : {115200, 6250000})
