@@ -164,10 +164,13 @@ Failure DeviceLinks::silence(Link link, const QString &complaint) const
             .arg(watched.receivedSince())
             .arg(rate(link))
             .arg(header.toUpper(), m_device.crcEnabled ? "on" : "off");
-    const QString remedy =
-        watched.receivedSince() > 0
-            ? "Something answers: compare rate, header and CRC with the module's."
-            : "Is the module on, and its wires at this port? Rate, header and "
-              "CRC must be the module's.";
+    const char *remedy = "Is the module on, and its wires at this port? Rate, header and CRC must "
+                         "be the module's.";
+    if (watched.answer().contains("NG"))
+        remedy = "The module refused it.";
+    else if (watched.receivedSince() > 0)
+        remedy = "Something answers: compare rate, header and CRC with the module's.";
+    else if (watched.receivedInExchange() > 0)
+        remedy = "The module may answer too late: give it longer with --timeout MS.";
     return {ExitCode::noAnswer, cause, remedy};
 }

@@ -165,8 +165,10 @@ Outcome Exchanges::attempt(const std::function<void()> &start)
 {
     m_outcome = Outcome::Done;
     m_isGivenUp = false;
-    m_links.at(Link::Uart2).poll();
-    m_links.at(Link::Ed2).poll();
+    for (const Link each : {Link::Uart2, Link::Ed2}) {
+        m_links.at(each).poll();
+        m_links.at(each).beginExchange();
+    }
     m_bytesAtProgress = m_links.sentBytes();
     m_bytesToSend = 0;
     m_progressAt = m_links.now();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "cli/device_links.h"
+#include "cli/report.h"
+
 #include <QJsonObject>
 #include <QString>
 
@@ -16,6 +19,11 @@ inline QString text(const QString &link, qint64 milliseconds)
     return QString("-- %1: the port was away for %2 s")
         .arg(link)
         .arg(static_cast<double>(milliseconds) / 1000, 0, 'f', 1);
+}
+
+inline void tell(Report &report, Link link, qint64 milliseconds)
+{
+    report.result(json(nameOf(link), milliseconds), text(nameOf(link), milliseconds));
 }
 
 } // namespace gap

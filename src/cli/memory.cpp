@@ -77,7 +77,7 @@ void expectDevice(Exchanges &module)
         throw Failure{ExitCode::noPort,
                       QString("the module has the device ID %1, not %2").arg(id, wanted),
                       "Nothing was written. Connect the right module, or correct the ID in "
-                      "devices.ini."};
+                      "devices.ini or k7.ini."};
 }
 
 } // namespace memory

@@ -92,9 +92,7 @@ int run(Cli &cli, const Asked &asked)
         } catch (const Failure &) {
             if (!module.links().wasLost())
                 throw;
-            const qint64 away = module.awaitReturn(Link::Uart2);
-            cli.report().result(gap::json(nameOf(Link::Uart2), away),
-                                gap::text(nameOf(Link::Uart2), away));
+            gap::tell(cli.report(), Link::Uart2, module.awaitReturn(Link::Uart2));
         }
     }
     return ExitCode::done;

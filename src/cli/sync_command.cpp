@@ -2,6 +2,7 @@
 #include "cli/cli.h"
 #include "cli/commands.h"
 #include "cli/exchanges.h"
+#include "cli/gap.h"
 #include "cli/update.h"
 
 #include <QDateTime>
@@ -88,11 +89,13 @@ int watch(Cli &cli, const Given &given)
     sync(cli, given);
     Exchanges &module = cli.connection();
     States seen = sent;
+    States tried = sent; // what cannot be sent is tried again when something changes
     while (true) {
         module.pause(betweenLooks);
         const States now = statesOf(folder, paths);
-        if (now == sent || std::exchange(seen, now) != now)
+        if (now == tried || std::exchange(seen, now) != now)
             continue;
+        tried = now;
         try {
             const Project project = projectOf(cli, given);
             paths = pathsOf(project);
@@ -102,20 +105,19 @@ int watch(Cli &cli, const Given &given)
                 if (sent.value(path) != now.value(path))
                     changed.append(file);
             }
-            if (!changed.isEmpty())
-                send(cli, changed, given);
-            sent = now;
+            if (changed.isEmpty() || send(cli, changed, given) == ExitCode::done)
+                sent = now;
         } catch (const Failure &failure) {
             if (failure.code == ExitCode::interrupted)
                 throw;
-            // They are sent when they change again, or when the port is back.
-            cli.report().fail(failure.code, failure.cause, failure.remedy);
-            const bool wasLost = module.links().wasLost();
+            if (!module.links().wasLost()) {
+                cli.report().fail(failure.code, failure.cause, failure.remedy);
+                continue;
+            }
             for (const Link each : {Link::Uart2, Link::Ed2})
                 if (module.links().at(each).wasLost())
-                    module.awaitReturn(each);
-            if (!wasLost)
-                sent = now;
+                    gap::tell(cli.report(), each, module.awaitReturn(each));
+            tried = sent;
         }
     }
 }
@@ -132,7 +134,8 @@ void addSync(CLI::App &app, Cli &cli)
         ->type_name("WxH");
     given->choice.addOptions(*command);
     command->add_option("--only", given->glob, "Only files whose name matches")->type_name("GLOB");
-    command->add_flag("--watch", given->watches, "Then send what changes, until Ctrl-C");
+    command->add_flag("--watch", given->watches, "Then send what changes, until Ctrl-C")
+        ->excludes(command->get_option("--dry-run"));
     command->callback([&cli, given] {
         cli.setCommand(
             [&cli, given] { return given->watches ? watch(cli, *given) : sync(cli, *given); });

@@ -26,6 +26,7 @@ void WatchedLink::write(const QByteArray &bytes)
 {
     m_lastSent = bytes;
     m_receivedSince = 0;
+    m_answer.clear();
     m_sentBytes += bytes.size();
     m_link->write(bytes);
     emit sent(bytes);
@@ -34,7 +35,10 @@ void WatchedLink::write(const QByteArray &bytes)
 QByteArray WatchedLink::readAll()
 {
     const QByteArray bytes = m_link->readAll();
+    constexpr int longestAnswer = 16; // that is of interest
     m_receivedSince += bytes.size();
+    m_receivedInExchange += bytes.size();
+    m_answer += bytes.left(longestAnswer - m_answer.size());
     if (!bytes.isEmpty())
         emit received(bytes);
     return bytes;

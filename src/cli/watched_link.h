@@ -16,8 +16,12 @@ public:
 
     const QString &name() const { return m_name; }
     const QByteArray &lastSent() const { return m_lastSent; }
-    /// Bytes since `lastSent`.
+    /// Bytes since `lastSent`, and the first of them.
     qint64 receivedSince() const { return m_receivedSince; }
+    const QByteArray &answer() const { return m_answer; }
+    /// From now on another exchange runs; bytes since then.
+    void beginExchange() { m_receivedInExchange = 0; }
+    qint64 receivedInExchange() const { return m_receivedInExchange; }
     qint64 sentBytes() const { return m_sentBytes; }
     /// The device went away while the link was open.
     bool wasLost() const { return m_wasLost; }
@@ -44,6 +48,8 @@ private:
     QString m_name;
     QByteArray m_lastSent;
     qint64 m_receivedSince = 0;
+    qint64 m_receivedInExchange = 0;
+    QByteArray m_answer;
     qint64 m_sentBytes = 0;
     bool m_wasLost = false;
 };

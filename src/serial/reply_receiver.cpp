@@ -83,14 +83,14 @@ void ReplyReceiver::takeAnswers()
     while (i < m_buffer.size()) {
         const quint8 first = byteAt(m_buffer, i);
         if (isHeaderAt(i)) {
-            const int end = i + envelopeBytes + byteAt(m_buffer, i + lengthOffset);
-            if (i + lengthOffset >= m_buffer.size() || end > m_buffer.size())
+            const int start = isCompleteAt(i) ? i : answerBehind(i);
+            if (start < 0)
                 break;
-            if (answersAt(i)) {
-                dispatch(i);
+            if (answersAt(start)) {
+                dispatch(start);
                 ++m_answers;
             }
-            i = end;
+            i = start + envelopeBytes + byteAt(m_buffer, start + lengthOffset);
         } else if (isAcknowledgementAt(i) && !m_hasCrc && !isRead(m_request)) {
             m_replyReceived = true;
             ++m_answers;
@@ -102,6 +102,20 @@ void ReplyReceiver::takeAnswers()
         }
     }
     m_buffer.remove(0, i);
+}
+
+bool ReplyReceiver::isCompleteAt(int start) const
+{
+    return start + lengthOffset < m_buffer.size() &&
+           start + envelopeBytes + byteAt(m_buffer, start + lengthOffset) <= m_buffer.size();
+}
+
+int ReplyReceiver::answerBehind(int start) const
+{
+    for (int i = start + 1; i < m_buffer.size(); ++i)
+        if (isHeaderAt(i) && isCompleteAt(i) && answersAt(i))
+            return i;
+    return -1;
 }
 
 bool ReplyReceiver::answersAt(int start) const

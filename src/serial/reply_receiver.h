@@ -65,8 +65,12 @@ private:
     bool isHeaderAt(int index) const;
     bool isAcknowledgementAt(int index) const;
     void takeAnswers();
+    bool isCompleteAt(int start) const;
     /// Whether the complete frame at `start` answers the request.
     bool answersAt(int start) const;
+    /// The index of an answer behind `start`, -1 when there is none: what looks like an unfinished
+    /// frame may be garbage.
+    int answerBehind(int start) const;
     void dispatch(int start);
     void storeRegisters(int body);
     void storeVp(int body);

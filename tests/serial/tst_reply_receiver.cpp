@@ -35,6 +35,50 @@ class TestReplyReceiver : public QObject
     Q_OBJECT
 
 private slots:
+    void onlyWhatAnswersTheRequestCounts()
+    {
+        constexpr auto write = "5AA507820084 5A010007";
+        constexpr auto read = "5AA504 83 0014 01";
+        constexpr auto ok = "5AA503 82 4F4B";
+        const struct
+        {
+            const char *request;
+            bool hasCrc;
+            const char *reply;
+            int answers;
+        } cases[] = {
+            {write, false, ok, 1},
+            {write, false, "5AA503 82 4F4B 5AA503 82 4F4B", 2},
+            {write, false, "FF 4F4B", 1},
+            {write, false, "5AA503 82 4E47", 0}, // refused
+            {write, false, "5AA503 80 4F4B", 0}, // of another command
+            {write, false, "5AA583 82 4F4B", 0}, // unfinished
+            {write, false, "5AA583 82 4F4B 5AA503 82 4F4B", 1},
+            {write, true, ok, 0},
+            {write, true, "4F4B", 0},
+            {write, true, "5AA505 82 4F4B A5EF", 1},
+            {read, false, pictureReply, 1},
+            {read, false, "5AA506 83 0015 01 0007", 0},
+            {read, false, "5AA506 83 0014 02 0007", 0},
+            {read, false, "5AA504 83 0014 01", 0}, // without its data
+            {read, false, ok, 0},
+            {"5AA504 81 02FE 01", false, "5AA505 81 02FE 01 33", 1},
+            {"5AA504 81 02FE 01", false, "5AA505 81 03FE 01 33", 0},
+        };
+        for (const auto &[request, hasCrc, reply, answers] : cases) {
+            const QByteArray bytes = QByteArray::fromHex(reply);
+            for (const int cut : {bytes.size(), 1}) {
+                Path path(uartReceiveRules);
+                path.receiver.setHeader(0x5A, 0xA5, hasCrc);
+                path.receive("5AA504 82 4F"); // of an older answer
+                path.receiver.expect(QByteArray::fromHex(request));
+                for (int i = 0; i < bytes.size(); i += cut)
+                    path.receiver.receive(bytes.mid(i, cut));
+                QVERIFY2(path.receiver.answers() == answers, reply);
+            }
+        }
+    }
+
     void repliesAreUnderstood()
     {
         const struct
