@@ -131,6 +131,22 @@ private slots:
         }
     }
 
+    void whatWasAskedTwiceIsBelievedBehindASilence()
+    {
+        const QByteArray ok = QByteArray::fromHex("5AA503804F4B");
+        Bench bench(BlockDownload::fonts(), {});
+        bench.replies.setHeader(0x5A, 0xA5);
+        bench.download->start({{1, "a"}}, 800);
+        while (bench.link.written.size() < 2 && bench.ticks < 2000)
+            bench.tick(1);
+        bench.tick(100);
+        bench.replies.receive(ok); // perhaps of the first question
+        bench.tick(400);
+        QCOMPARE(bench.link.written.size(), 2);
+        bench.tick(200);
+        QCOMPARE(bench.link.written.last(), QByteArray("a"));
+    }
+
     void strictDownloadsAwaitEachAcknowledgement()
     {
         const QByteArray ok = QByteArray::fromHex("5AA503804F4B");
