@@ -34,7 +34,6 @@ public:
     /// These are the next ones once more.
     void putBack() { m_end = m_begin; }
     bool isAtEnd() const { return m_end == m_frames.size(); }
-    bool isEmpty() const { return m_frames.isEmpty(); }
 
     /// What falls to those taken last of something that all frames come to.
     int shareOf(int all) const
